@@ -1,0 +1,36 @@
+# Top-level convenience targets. `make test` builds and runs every test twice:
+# an optimised release build and a debug build with AddressSanitizer and
+# UndefinedBehaviorSanitizer.
+
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+RELEASE_DIR := build/release
+SANITIZE_DIR := build/sanitize
+
+.PHONY: all build test test-release test-sanitize demo bench clean format
+
+all: build
+
+build:
+	cmake -S . -B $(RELEASE_DIR) -DCMAKE_BUILD_TYPE=Release
+	cmake --build $(RELEASE_DIR) -j $(JOBS)
+
+test: test-release test-sanitize
+
+test-release: build
+	cd $(RELEASE_DIR) && ctest --output-on-failure -j $(JOBS)
+
+test-sanitize:
+	cmake -S . -B $(SANITIZE_DIR) -DCMAKE_BUILD_TYPE=Debug -DDC_SANITIZE=ON
+	cmake --build $(SANITIZE_DIR) -j $(JOBS)
+	cd $(SANITIZE_DIR) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
+
+bench:
+	cmake -S . -B build/bench -DCMAKE_BUILD_TYPE=Release -DDC_BUILD_BENCH=ON
+	cmake --build build/bench -j $(JOBS)
+	@for b in build/bench/bench/bench_*; do echo "== $$b"; $$b || exit 1; done
+
+format:
+	clang-format -i $$(git ls-files '*.cpp' '*.h')
+
+clean:
+	rm -rf build

@@ -1,0 +1,3 @@
+#include "app/dc_main.h"
+
+int main(int argc, char** argv) { return dcMain(argc, argv); }
