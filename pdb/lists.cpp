@@ -1,0 +1,85 @@
+#include "pdb/lists.h"
+
+#include <cstdio>
+
+#include "pdb/modes.h"
+#include "pdb/records.h"
+#include "util/alloc.h"
+
+namespace {
+
+int grownCapacity(int capacity, int first, int step) { return capacity < 1 ? first : capacity + step; }
+
+// Grows a record array so that one more record fits; new slots are made
+// fresh with makeNull. Returns false after the failure message.
+template <class Record>
+bool growRecords(Record** array, int count, int* capacity, int first, int step,
+                 const char* verboseLine, const char* failure, void (*makeNull)(Record*)) {
+    if (count < *capacity) return true;
+    int grown = grownCapacity(*capacity, first, step);
+    if (getPDBVerb()) std::fprintf(stderr, verboseLine, grown);
+    void* block = voidReMalloc64("pdb", *array, static_cast<int64_t>(grown) * sizeof(Record),
+                                 static_cast<int64_t>(*capacity) * sizeof(Record));
+    if (!block) {
+        std::fprintf(stderr, "%s", failure);
+        return false;
+    }
+    *array = static_cast<Record*>(block);
+    for (int i = *capacity; i < grown; i++) makeNull(*array + i);
+    *capacity = grown;
+    return true;
+}
+
+template <class Record>
+Record* nextRecord(Record** array, int* count, int* capacity, int first, int step,
+                   const char* verboseLine, const char* failure, void (*makeNull)(Record*)) {
+    if (!growRecords(array, *count, capacity, first, step, verboseLine, failure, makeNull)) {
+        return nullptr;
+    }
+    return *array + (*count)++;
+}
+
+template <class T>
+void nullPointer(T** slot) {
+    *slot = nullptr;
+}
+
+}  // namespace
+
+PDBAtom* getNextAtom(PDBData* pdb) {
+    return nextRecord(&pdb->atoms, &pdb->atomCount, &pdb->atomCapacity, kAtomListFirst,
+                      kAtomListStep, "REMARK Expanding Atom List: %d atoms max.\n",
+                      "PDB Error Allocating Atom memory.\n", atomNull);
+}
+
+PDBResidue* getNextRes(PDBData* pdb) {
+    return nextRecord(&pdb->residues, &pdb->resCount, &pdb->resCapacity, kResListFirst,
+                      kResListStep, "REMARK Expanding Res List: %d residues max.\n",
+                      "PDB Error Allocating Residue memory.\n", resNull);
+}
+
+PDBChain* getNextChain(PDBData* pdb) {
+    return nextRecord(&pdb->chains, &pdb->chainCount, &pdb->chainCapacity, kGroupListFirst,
+                      kGroupListStep, "REMARK Expanding Chain List: %d chains max.\n",
+                      "PDB Error Allocating Chain memory.\n", chainNull);
+}
+
+PDBSegment* getNextSeg(PDBData* pdb) {
+    return nextRecord(&pdb->segs, &pdb->segCount, &pdb->segCapacity, kGroupListFirst,
+                      kGroupListStep, "REMARK Expanding Seg List: %d segs max.\n",
+                      "PDB Error Allocating Seg memory.\n", segNull);
+}
+
+PDBAtom** getNextAtomPtr(PDBAtom*** list, int* count, int* capacity, int firstCapacity,
+                         int step) {
+    return nextRecord(list, count, capacity, firstCapacity, step,
+                      "REMARK Expanding Atom Index List: %d atoms max.\n",
+                      "PDB Error Allocating Atom Index memory.\n", nullPointer<PDBAtom>);
+}
+
+PDBResidue** getNextResPtr(PDBResidue*** list, int* count, int* capacity, int firstCapacity,
+                           int step) {
+    return nextRecord(list, count, capacity, firstCapacity, step,
+                      "REMARK Expanding Res Index List: %d residues max.\n",
+                      "PDB Error Allocating Residue Index memory.\n", nullPointer<PDBResidue>);
+}

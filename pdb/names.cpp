@@ -1,0 +1,44 @@
+#include "pdb/names.h"
+
+#include <strings.h>
+
+#include <cstring>
+
+#include "util/token.h"
+
+namespace {
+
+int emptyIfNullName(char* name) {
+    if (!name) return 0;
+    if (std::strcmp(name, "{}") == 0 || strcasecmp(name, "none") == 0 ||
+        strcasecmp(name, "(Null)") == 0) {
+        name[0] = '\0';
+        return 1;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int fixAtomName(char* name) { return emptyIfNullName(name); }
+int fixResName(char* name) { return emptyIfNullName(name); }
+int fixChainName(char* name) { return emptyIfNullName(name); }
+int fixSegName(char* name) { return emptyIfNullName(name); }
+
+int isProton(const char* name) {
+    if (!name) return 0;
+    while (*name >= '0' && *name <= '9') name++;
+    return *name == 'H' || *name == 'h';
+}
+
+int getSubStr0(char* destination, const char* line, int first, int last) {
+    destination[0] = '\0';
+    int length = static_cast<int>(std::strlen(line));
+    if (first >= length) return 1;
+    int n = 0;
+    for (int i = first; i <= last && i < length; i++) {
+        if (!isWhiteChar(line[i])) destination[n++] = line[i];
+    }
+    destination[n] = '\0';
+    return 0;
+}

@@ -1,0 +1,66 @@
+#include "pdb/records.h"
+
+#include <cstring>
+
+#include "pdb/lists.h"
+
+void atomNull(PDBAtom* atom) {
+    std::memset(atom, 0, sizeof *atom);
+    atom->occupancy = 1.0f;
+    atom->weight = 1.0f;
+    for (float& value : atom->property) value = kPropertyNotSet;
+}
+
+void resNull(PDBResidue* residue) {
+    std::memset(residue, 0, sizeof *residue);
+    residue->phi = kAngleUndefined;
+    residue->psi = kAngleUndefined;
+    residue->omega = kOmegaNotComputed;
+}
+
+namespace {
+
+void groupNull(PDBGroup* group) {
+    std::memset(group, 0, sizeof *group);
+    group->undefinedMark = kOmegaNotComputed;
+}
+
+int appendGroupAtom(PDBGroup* group, PDBAtom* atom) {
+    PDBAtom** slot = getNextAtomPtr(&group->atoms, &group->atomCount, &group->atomCapacity,
+                                    kAtomListFirst, kAtomListStep);
+    if (!slot) return 1;
+    *slot = atom;
+    copyName(group->chain, atom->chain);
+    copyName(group->seg, atom->seg);
+    return 0;
+}
+
+}  // namespace
+
+void chainNull(PDBChain* chain) { groupNull(chain); }
+void segNull(PDBSegment* seg) { groupNull(seg); }
+
+void setAtomInfo(PDBData* pdb, PDBAtom* destination, const PDBAtom* source, int index) {
+    *destination = *source;
+    if (index == 0) {
+        pdb->resMin = pdb->resMax = source->resID;
+        return;
+    }
+    if (source->resID < pdb->resMin) pdb->resMin = source->resID;
+    if (source->resID > pdb->resMax) pdb->resMax = source->resID;
+}
+
+int setResInfo(PDBResidue* residue, PDBAtom* atom) {
+    residue->resID = atom->resID;
+    copyName(residue->resName, atom->resName);
+    copyName(residue->chain, atom->chain);
+    copyName(residue->seg, atom->seg);
+    PDBAtom** slot = getNextAtomPtr(&residue->atoms, &residue->atomCount, &residue->atomCapacity,
+                                    kResAtomPtrFirst, kResAtomPtrStep);
+    if (!slot) return 1;
+    *slot = atom;
+    return 0;
+}
+
+int setChainAtomInfo(PDBChain* chain, PDBAtom* atom) { return appendGroupAtom(chain, atom); }
+int setSegAtomInfo(PDBSegment* seg, PDBAtom* atom) { return appendGroupAtom(seg, atom); }

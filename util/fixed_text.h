@@ -1,0 +1,16 @@
+// Names inside records are fixed 16-byte texts: a longer value is cut to 15
+// characters. copyName is the one place that does the cutting.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+
+constexpr int kNameSize = 16;
+
+template <std::size_t N>
+inline void copyName(char (&dst)[N], const char* src) {
+    std::size_t length = src ? std::strlen(src) : 0;
+    if (length > N - 1) length = N - 1;
+    if (length) std::memcpy(dst, src, length);
+    dst[length] = '\0';
+}
