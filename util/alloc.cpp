@@ -187,7 +187,7 @@ float** MatMalloc64(const char* tag, int64_t rows, int64_t columns) {
 void MatFree64(const char* tag, float** matrix, int64_t rows, int64_t columns) {
     if (!matrix) return;
     unAlloc64(tag, matrix[0], rows * columns * 4);
-    unAlloc64("mat2ptr", matrix, rows * 8);
+    unAlloc64("matFree", matrix, rows * 8);
 }
 
 double** dMat2Ptr64(double* block, int64_t rows, int64_t columns) {
@@ -209,5 +209,5 @@ double** dMatMalloc64(const char* tag, int64_t rows, int64_t columns) {
 void dMatFree64(const char* tag, double** matrix, int64_t rows, int64_t columns) {
     if (!matrix) return;
     unAlloc64(tag, matrix[0], rows * columns * 8);
-    unAlloc64("mat2ptr", matrix, rows * 8);
+    unAlloc64("matFree", matrix, rows * 8);
 }

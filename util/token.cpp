@@ -63,30 +63,46 @@ struct Span {
     int64_t length;
 };
 
+// The next token at or after *p split at white space, advancing *p past it;
+// length -1 when the line has no more tokens.
+Span nextPlain(const char** p) {
+    const char* q = *p;
+    while (*q && isWhiteChar(*q)) q++;
+    if (!*q) return {nullptr, -1};
+    const char* start = q;
+    while (*q && !isWhiteChar(*q)) q++;
+    *p = q;
+    return {start, q - start};
+}
+
 // Finds token n (1-based) split at white space; length -1 when absent.
 Span findPlain(int n, const char* line) {
     if (!line || n < 1) return {nullptr, -1};
     const char* p = line;
     for (int i = 1;; i++) {
-        while (*p && isWhiteChar(*p)) p++;
-        if (!*p) return {nullptr, -1};
-        const char* start = p;
-        while (*p && !isWhiteChar(*p)) p++;
-        if (i == n) return {start, p - start};
+        Span span = nextPlain(&p);
+        if (span.length < 0 || i == n) return span;
     }
 }
 
 bool isSeparator(char c, const char* separators) { return c && std::strchr(separators, c); }
 
+Span nextCustom(const char** p, const char* separators) {
+    const char* q = *p;
+    while (*q && isSeparator(*q, separators)) q++;
+    if (!*q) return {nullptr, -1};
+    const char* start = q;
+    while (*q && !isSeparator(*q, separators)) q++;
+    *p = q;
+    return {start, q - start};
+}
+
 Span findCustom(int n, const char* line, const char* separators) {
     if (!line || !separators || n < 1) return {nullptr, -1};
     const char* p = line;
     for (int i = 1;; i++) {
-        while (*p && isSeparator(*p, separators)) p++;
-        if (!*p) return {nullptr, -1};
-        const char* start = p;
-        while (*p && !isSeparator(*p, separators)) p++;
-        if (i == n) return {start, p - start};
+        Span span = nextCustom(&p, separators);
+        if (span.length < 0 || i == n) return span;
     }
 }
 
@@ -126,18 +142,26 @@ char* storeSpan(TokenBuffer& buffer, Span span) {
     return buffer.store(span.start, span.length);
 }
 
-// Joins tokens first to last (1-based, inclusive) with single blanks.
+// Joins tokens first to last (1-based, inclusive) with single blanks, walking
+// the line once to measure and once to copy, so long lines stay linear.
 char* joinTokens(int first, int last, const char* line) {
     int64_t total = 0;
-    for (int i = first; i <= last; i++) total += findPlain(i, line).length + 1;
+    const char* p = line ? line : "";
+    for (int i = 1; i <= last; i++) {
+        Span span = nextPlain(&p);
+        if (span.length < 0) break;
+        if (i >= first) total += span.length + (i > first ? 1 : 0);
+    }
     char* out = tok.joined.reserve(total);
     if (!out) return tok.joined.clear();
     char* end = out;
-    for (int i = first; i <= last; i++) {
-        Span span = findPlain(i, line);
+    p = line ? line : "";
+    for (int i = 1; i <= last; i++) {
+        Span span = nextPlain(&p);
         if (span.length < 0) break;
+        if (i < first) continue;
         if (i > first) *end++ = ' ';
-        std::memcpy(end, span.start, span.length);
+        std::memmove(end, span.start, span.length);
         end += span.length;
     }
     *end = '\0';
@@ -207,8 +231,10 @@ char* getTokenS(int n, const char* line) {
 }
 
 int cntTokenC(const char* line, const char* separators) {
+    if (!line || !separators) return 0;
     int count = 0;
-    while (findCustom(count + 1, line, separators).length >= 0) count++;
+    const char* p = line;
+    while (nextCustom(&p, separators).length >= 0) count++;
     return count;
 }
 
@@ -226,10 +252,11 @@ char* rightToken(int n, const char* line) {
 }
 
 int findToken(const char* text, const char* line) {
-    if (!text) return 0;
+    if (!text || !line) return 0;
     int64_t length = static_cast<int64_t>(std::strlen(text));
+    const char* p = line;
     for (int i = 1;; i++) {
-        Span span = findPlain(i, line);
+        Span span = nextPlain(&p);
         if (span.length < 0) return 0;
         if (span.length == length && std::strncmp(span.start, text, length) == 0) return i;
     }
@@ -241,12 +268,13 @@ int getTokenLoc(int n, const char* line) {
 }
 
 int getTokenMaxLength(const char* line) {
+    if (!line) return 0;
     int64_t longest = 0;
-    for (int i = 1;; i++) {
-        Span span = findPlain(i, line);
-        if (span.length < 0) return static_cast<int>(longest);
+    const char* p = line;
+    for (Span span = nextPlain(&p); span.length >= 0; span = nextPlain(&p)) {
         if (span.length > longest) longest = span.length;
     }
+    return static_cast<int>(longest);
 }
 
 int strTrimLoc(const char* text) {
