@@ -35,9 +35,9 @@ bool atomEntryMatches(const char* name, const char* entry, int mode) {
     if (strcasecmp(entry, "heavy") == 0) return !isProton(name);
     if (strcasecmp(entry, "proton") == 0) return isProton(name);
     if (mode != kMatchGlob) return strMatch(name, entry, mode, 0) == 1;
-    char pattern[1024 * 5];
+    char pattern[kAtomExprSize];
     std::snprintf(pattern, sizeof pattern, "%s", entry);
-    adjAtomExpr(pattern);
+    adjAtomExpr(pattern, sizeof pattern);
     return strMatch(name, pattern, mode, 0) == 1;
 }
 
