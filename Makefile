@@ -24,6 +24,16 @@ test-sanitize:
 	cmake --build $(SANITIZE_DIR) -j $(JOBS)
 	cd $(SANITIZE_DIR) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
 
+# Builds DC, writes a demonstration peptide and couplings made from a known
+# tensor, fits them and shows the fitted tensor beside the one chosen.
+demo: build
+	mkdir -p build/demo
+	$(RELEASE_DIR)/make_demo build/demo
+	$(RELEASE_DIR)/DC -pdb build/demo/peptide.pdb -inD build/demo/couplings.tab \
+		-outD build/demo/fitted.tab -verb
+	@echo "Fitted tensor (from build/demo/fitted.tab):"
+	@grep -E '^DATA (N |RMS|Q_FACTOR|EULER_ANGLES|Da |Dr |Rhombicity)' build/demo/fitted.tab
+
 bench:
 	cmake -S . -B build/bench -DCMAKE_BUILD_TYPE=Release -DDC_BUILD_BENCH=ON
 	cmake --build build/bench -j $(JOBS)

@@ -3,6 +3,10 @@
 #include <cstdio>
 
 #include "app/getparams.h"
+#include "app/residue_range.h"
+#include "app/simulation.h"
+#include "dc/dipolar.h"
+#include "dc/read_dc.h"
 #include "app/settings.h"
 #include "dc/dtab.h"
 #include "pdb/modes.h"
@@ -14,13 +18,23 @@
 
 namespace {
 
-// The reading steps and the run mode. The coupling and shift tables, the
-// surfaces and the two modes join here as they are built.
-int runSteps(RunSettings* settings, DTab* dTab) { return 0; }
+// The reading steps and the run mode. The shift table, the surfaces and
+// the homology search join here as they are built.
+int runSteps(RunSettings* settings, DTab* dTab) {
+    int status = readDC(settings->inName, dTab, settings->keepDI);
+    if (status != 0) {
+        std::fprintf(stderr, "DC Error Reading D Values in %s\n", settings->inName);
+        return status;
+    }
+    applyResidueRangeDefaults(settings, dTab->minResid, dTab->maxResid, 0, 0);
+    if (settings->pdbName[0]) return simDC(dTab, settings);
+    return 0;
+}
 
 // Everything main owns is released on every path, then the balance is shown.
 void cleanUp(RunSettings* settings, DTab* dTab) {
     dTabFree(dTab);
+    dipolarFree();
     runSettingsFree(settings);
     freeToken();
     ctempFree();
@@ -33,6 +47,7 @@ int dcMain(int argc, char** argv) {
     RunSettings settings;
     runSettingsNull(&settings);
     setPDBWarn(1);
+    dipolarNull();
     DTab dTab;
     dTabNull(&dTab);
 

@@ -1,13 +1,110 @@
 #include "dc/dtab.h"
 
+#include <cstdio>
+#include <cstring>
+
+#include "pdb/pdb_types.h"
+#include "util/alloc.h"
+
+namespace {
+
+constexpr int kFirstResidStart = 1000000;
+
+int64_t pdbListBytes(int count) { return static_cast<int64_t>(count) * sizeof(PDBData*); }
+
+}  // namespace
+
 void dTabNull(DTab* dTab) {
     if (!dTab) return;
-    *dTab = DTab{};
+    std::memset(dTab, 0, sizeof *dTab);
     dTensorNull(&dTab->tensor, 1);
-    dTab->minResid = 1000000;
+    dTab->minResid = kFirstResidStart;
     dTab->maxResid = 0;
     dTab->noChainNames = 1;
     dTab->noSegNames = 1;
 }
 
-void dTabFree(DTab* dTab) { dTabNull(dTab); }
+void dTabFree(DTab* dTab) {
+    if (!dTab) return;
+    unAlloc64("dc", dTab->couplings, static_cast<int64_t>(dTab->count) * sizeof(DCValue));
+    dTabPDBFree(dTab);
+    unAlloc64("dc", dTab->realWork, static_cast<int64_t>(dTab->realSize) * sizeof(float));
+    unAlloc64("dc", dTab->intWork, static_cast<int64_t>(dTab->intSize) * sizeof(int));
+    dTabNull(dTab);
+}
+
+void resetDC(DCValue* values, int count) {
+    for (int i = 0; values && i < count; i++) {
+        DCValue* v = values + i;
+        std::memset(v, 0, sizeof *v);
+        v->residI = v->residJ = kResidUnset;
+        v->dObs = v->dCalc = kMissingValue;
+        v->dObsDiff = v->dCalcDiff = kMissingValue;
+        v->wTable = v->w = 1.0f;
+        v->ddTable = v->dd = 1.0f;
+        v->s = 1.0f;
+        v->fc = 1.0f;
+    }
+}
+
+void dTabPDBFree(DTab* dTab) {
+    unAlloc64("dc", dTab->pdbs, pdbListBytes(dTab->pdbCount));
+    dTab->pdbs = nullptr;
+    dTab->pdbCount = 0;
+    dTab->spare = 0;
+}
+
+int dTabPDBAlloc(DTab* dTab, PDBData** pdbs, int count) {
+    if (!pdbs || count < 1) {
+        dTabPDBFree(dTab);
+        return 0;
+    }
+    for (int i = 1; i < count; i++) {
+        if (pdbs[i]->atomCount != pdbs[0]->atomCount) {
+            std::fprintf(stderr, "TESSERA Error: Atom Count Mismatch in PDB List.\n");
+            dTabPDBFree(dTab);
+            return 0;
+        }
+    }
+    if (count != dTab->pdbCount) {
+        dTabPDBFree(dTab);
+        dTab->pdbs = static_cast<PDBData**>(voidMalloc64("dc", pdbListBytes(count)));
+        if (!dTab->pdbs) {
+            std::fprintf(stderr, "DC Error Allocating PDB List.\n");
+            return 1;
+        }
+        dTab->pdbCount = count;
+    }
+    for (int i = 0; i < count; i++) dTab->pdbs[i] = pdbs[i];
+    return 0;
+}
+
+int dcWorkAlloc(DTab* dTab, int pdbCount) {
+    int structures = pdbCount > 1 ? pdbCount : 1;
+    if (dTab->pdbCount > structures) structures = dTab->pdbCount;
+    int realSize = 9 * structures * dTab->nvec + 9;
+    int intSize = dTab->nvec + 1;
+    if (realSize > dTab->realSize) {
+        unAlloc64("dc", dTab->realWork, static_cast<int64_t>(dTab->realSize) * sizeof(float));
+        dTab->realSize = 0;
+        dTab->realWork = static_cast<float*>(
+            voidMallocNull64("dc", static_cast<int64_t>(realSize) * sizeof(float)));
+        if (!dTab->realWork) {
+            std::fprintf(stderr, "DC Error Allocating DC Real Workspace.\n");
+            return 1;
+        }
+        dTab->realSize = realSize;
+    }
+    if (intSize > dTab->intSize) {
+        unAlloc64("dc", dTab->intWork, static_cast<int64_t>(dTab->intSize) * sizeof(int));
+        dTab->intSize = 0;
+        dTab->intWork = static_cast<int*>(
+            voidMallocNull64("dc", static_cast<int64_t>(intSize) * sizeof(int)));
+        if (!dTab->intWork) {
+            std::fprintf(stderr, "DC Error Allocating DC Integer Workspace.\n");
+            return 1;
+        }
+        dTab->intSize = intSize;
+    }
+    return 0;
+}

@@ -1,18 +1,91 @@
-// The coupling table: its alignment tensor and the table-wide bookkeeping.
-// The coupling rows and their mapping onto structures live beside the tensor.
+// The coupling table: its alignment tensor, one record per coupling row, the
+// structures the couplings are mapped onto and the fit workspaces.
 #pragma once
 
 #include "dc/tensor.h"
+#include "util/fixed_text.h"
+
+struct PDBData;
+struct PDBAtom;
+
+constexpr int kMaxDCAtoms = 9;
+constexpr int kResidUnset = -666666;
+// Observed, calculated and interaction values above this count as absent.
+constexpr float kMissingLimit = 900.0f;
+constexpr float kMissingValue = 9999.0f;
+// D of a table without a D column.
+constexpr float kNoDColumn = 99999.0f;
+
+// Bond type codes of an atom pair.
+enum BondType {
+    kBondOther = 0,
+    kBondHN = 1,
+    kBondCH = 3,
+    kBondNCA = 5,
+    kBondCN = 6,
+    kBondCAHA = 7,
+    kBondHAHB = 8,
+    kBondCACB = 9,
+    kBondCAC = 10,
+    kBondMethyl = 11,
+};
+
+struct DCValue {
+    int index;
+    int absFlag;     // compare absolute values
+    int listed;      // set for every row read from a table
+    int mapped;      // both atoms (or atom groups) found in the structure
+    int use;         // takes part in fits and statistics
+    int bondType;
+    int residI, residJ;
+    char resNameI[kNameSize], resNameJ[kNameSize];
+    char atomNameI[kNameSize], atomNameJ[kNameSize];
+    char chainI[kNameSize], chainJ[kNameSize];
+    char segI[kNameSize], segJ[kNameSize];
+    float dObs;
+    float dCalc;
+    // Differences to the previous coupling of the same bond type (observed,
+    // calculated).
+    float dObsDiff, dCalcDiff;
+    float diTable, di;
+    float wTable, w;
+    float ddTable, dd;
+    float s;
+    float fc;
+    // The five design-row values S1..S5 of the coupling and its vector count.
+    float result[6];
+    int diFixed;  // DI from the table or a fixed geometry: never recomputed
+    PDBAtom* atomsI[kMaxDCAtoms];
+    PDBAtom* atomsJ[kMaxDCAtoms];
+    int countI, countJ;
+};
 
 struct DTab {
     DTensor tensor;
-    int minResid;  // smallest RESID_I/RESID_J of the table
-    int maxResid;  // largest RESID_I/RESID_J of the table
+    DCValue* couplings;  // tag "dc"
+    PDBData** pdbs;      // borrowed structures, the array is owned
+    int count;
+    int pdbCount;
+    int spare;
+    int svdCount;  // couplings that entered the last SVD fit
+    int minResid;
+    int maxResid;
     int noChainNames;
     int noSegNames;
+    int nvec;
+    int realSize, intSize;
+    float* realWork;
+    int* intWork;
 };
 
 // A fresh, empty table with the default tensor.
 void dTabNull(DTab* dTab);
 // Frees what the table owns and returns it to the null state.
 void dTabFree(DTab* dTab);
+// Every record back to the reset values.
+void resetDC(DCValue* values, int count);
+// Keeps the list of structures the couplings are mapped onto.
+int dTabPDBAlloc(DTab* dTab, PDBData** pdbs, int count);
+void dTabPDBFree(DTab* dTab);
+// Sizes the fit workspaces for the given structure count.
+int dcWorkAlloc(DTab* dTab, int pdbCount);

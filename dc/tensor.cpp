@@ -48,7 +48,7 @@ int dTensorNull(DTensor* t, int full) {
     t->useAuto = 0;
     t->autoLimits = 0;
     t->rhMode = 0;
-    t->spareInt = 0;
+    t->bestIteration = 0;
     for (int r = 0; r < 4; r++) {
         for (int c = 0; c < 4; c++) t->rotation[r][c] = r == c ? 1.0f : 0.0f;
     }

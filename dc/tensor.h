@@ -45,7 +45,7 @@ struct DTensor {
     int autoLimits;
     int rhMode;
     int modeWord;
-    int spareInt;
+    int bestIteration;  // best iteration of the last nonlinear fit
     float rotation[4][4];
 };
 

@@ -7,10 +7,15 @@
 
 constexpr int kNameSize = 16;
 
-template <std::size_t N>
-inline void copyName(char (&dst)[N], const char* src) {
+// Copies src into a buffer of size bytes, cut to size - 1 characters.
+inline void copyText(char* dst, std::size_t size, const char* src) {
     std::size_t length = src ? std::strlen(src) : 0;
-    if (length > N - 1) length = N - 1;
+    if (length > size - 1) length = size - 1;
     if (length) std::memcpy(dst, src, length);
     dst[length] = '\0';
+}
+
+template <std::size_t N>
+inline void copyName(char (&dst)[N], const char* src) {
+    copyText(dst, N, src);
 }

@@ -1,0 +1,23 @@
+#include "fit/fit_driver.h"
+
+#include "dc/dtab.h"
+#include "dc/fit_svd.h"
+
+int fitDN(PDBData** pdbs, int count, DTab* dTab, int retries, int verbosity) {
+    if (!pdbs || !dTab || count < 1) return 0;
+    dTab->svdCount = 0;
+    switch (dTab->tensor.method) {
+        case kMethodSVD:
+        case kMethodSaupe:
+        case 6:
+        case 7: return fitDSVD(pdbs, count, dTab, retries);
+        // The nonlinear methods (fit, grid search, fixed tensor) are not
+        // available yet: nothing is fitted.
+        default: return 0;
+    }
+}
+
+int fitD(PDBData* pdb, DTab* dTab, int retries, int verbosity) {
+    PDBData* list[1] = {pdb};
+    return fitDN(pdb ? list : nullptr, 1, dTab, retries, verbosity);
+}
