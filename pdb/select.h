@@ -3,12 +3,11 @@
 // match), record type, a sphere or a box in space and special classes.
 #pragma once
 
+#include "pdb/name_match.h"  // name match modes kMatchExact, kMatchRegex, kMatchGlob
 #include "pdb/pdb_types.h"
 
 constexpr int kSelectUnset = -666666;
 constexpr int kSpecialAminoAcids = 4;
-
-enum MatchMode { kMatchExact = 1, kMatchRegex = 2, kMatchGlob = 3 };
 
 struct NameList {
     char** names;  // copies, tag "strDup"; null means any name
