@@ -44,7 +44,9 @@ TEST(Regex, EachOperatorMatchesAndRejects) {
     };
     for (const Case& c : cases) {
         EXPECT_EQ(strMatchRegex(c.yes, c.pattern), 1) << c.pattern << " on " << c.yes;
-        if (c.no) EXPECT_EQ(strMatchRegex(c.no, c.pattern), 0) << c.pattern << " on " << c.no;
+        if (c.no) {
+            EXPECT_EQ(strMatchRegex(c.no, c.pattern), 0) << c.pattern << " on " << c.no;
+        }
     }
 }
 
