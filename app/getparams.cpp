@@ -13,11 +13,6 @@
 
 namespace {
 
-bool present(int argc, char** argv, const char* name) {
-    flagLoc(argc, argv, name);
-    return !badFlag();
-}
-
 // An option whose integer value may be left out: the value when the next
 // argument is not a flag, else the fallback. False when the option is absent.
 bool optionalIntArg(int argc, char** argv, const char* name, int fallback, int* value) {
@@ -100,9 +95,9 @@ void readSwitches(int argc, char** argv, RunSettings* s) {
         {"-nokeepDI", &s->keepDI, 0},
     };
     for (const Switch& option : switches) {
-        if (present(argc, argv, option.name)) *option.destination = option.value;
+        if (argPresent(argc, argv, option.name)) *option.destination = option.value;
     }
-    if (present(argc, argv, "-ignore")) {
+    if (argPresent(argc, argv, "-ignore")) {
         setPDBChainMode(1);
         setPDBSegMode(1);
     }
@@ -110,7 +105,7 @@ void readSwitches(int argc, char** argv, RunSettings* s) {
 
 void readLevels(int argc, char** argv, RunSettings* s) {
     optionalIntArg(argc, argv, "-retry", kDefaultRetries, &s->retries);
-    if (present(argc, argv, "-noretry")) s->retries = 0;
+    if (argPresent(argc, argv, "-noretry")) s->retries = 0;
     int level;
     if (optionalIntArg(argc, argv, "-dbg", 1, &level)) setDbgFlag(level);
     if (optionalIntArg(argc, argv, "-verb", 1, &level)) setVerbose(level);
@@ -139,22 +134,22 @@ void readSelectText(int argc, char** argv, char* selectText) {
 }
 
 int getparams(int argc, char** argv, RunSettings* s, DTab* dTab) {
-    if (present(argc, argv, "-rversion")) {
+    if (argPresent(argc, argv, "-rversion")) {
         showVersion("REMARK ");
         return kParamsVersion;
     }
-    if (present(argc, argv, "-version")) {
+    if (argPresent(argc, argv, "-version")) {
         showVersion("# ");
         return kParamsVersion;
     }
-    if (present(argc, argv, "-help")) {
+    if (argPresent(argc, argv, "-help")) {
         showUsage();
         getDTensorParams(argc, argv, &dTab->tensor);
         return kParamsUsage;
     }
-    present(argc, argv, "-graph");
-    present(argc, argv, "-nograph");
-    s->bbFlag = present(argc, argv, "-pdb") ? 1 : 0;
+    argPresent(argc, argv, "-graph");
+    argPresent(argc, argv, "-nograph");
+    s->bbFlag = argPresent(argc, argv, "-pdb") ? 1 : 0;
     dTab->tensor.euler = s->bbFlag;  // the tensor defaults below set it back to 1
     getDTensorParams(argc, argv, &dTab->tensor);
     readSelectText(argc, argv, s->selectText);

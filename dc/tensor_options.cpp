@@ -8,11 +8,6 @@
 
 namespace {
 
-bool present(int argc, char** argv, const char* name) {
-    flagLoc(argc, argv, name);
-    return !badFlag();
-}
-
 // Options that choose the tensor method; the later one present wins.
 void readMethod(int argc, char** argv, DTensor* t) {
     struct Choice {
@@ -23,7 +18,7 @@ void readMethod(int argc, char** argv, DTensor* t) {
                                      {"-align", kMethodSaupe}, {"-fit", kMethodFit},
                                      {"-fixed", kMethodFixed}, {"-nofixed", kMethodFit}};
     for (const Choice& choice : choices) {
-        if (present(argc, argv, choice.name)) t->method = choice.method;
+        if (argPresent(argc, argv, choice.name)) t->method = choice.method;
     }
 }
 
@@ -86,27 +81,27 @@ void readStartValues(int argc, char** argv, DTensor* t, UseCounts* uses) {
 }
 
 void applyPredefinedModes(int argc, char** argv, DTensor* t) {
-    if (present(argc, argv, "-dadr")) {
+    if (argPresent(argc, argv, "-dadr")) {
         t->method = kMethodFit;
         t->daMin = t->daMax = t->da;
         t->drMin = t->drMax = t->dr;
     }
-    if (present(argc, argv, "-rot")) {
+    if (argPresent(argc, argv, "-rot")) {
         t->method = kMethodFit;
         fixRotations(t);
     }
-    if (present(argc, argv, "-rotdr")) {
+    if (argPresent(argc, argv, "-rotdr")) {
         t->method = kMethodFit;
         t->drMin = t->drMax = t->dr;
         fixRotations(t);
     }
-    if (present(argc, argv, "-rotrh")) {
+    if (argPresent(argc, argv, "-rotrh")) {
         t->method = kMethodFit;
         t->rhMode = 1;
         t->rhMin = t->rhMax = t->rh;
         fixRotations(t);
     }
-    if (present(argc, argv, "-grid")) {
+    if (argPresent(argc, argv, "-grid")) {
         t->method = kMethodGrid;
     } else if (t->method == kMethodFixed) {
         t->daMin = t->daMax = t->da;
@@ -120,8 +115,8 @@ void readLimits(int argc, char** argv, DTensor* t, UseCounts* uses) {
     fltArgDAuto(argc, argv, "-daMin", &t->daMin, &t->autoLimits);
     fltArgDAuto(argc, argv, "-daMax", &t->daMax, &t->autoLimits);
     if (t->autoLimits) t->useAuto = 1;
-    if (present(argc, argv, "-auto")) t->useAuto = 1;
-    if (present(argc, argv, "-noauto")) t->useAuto = 0;
+    if (argPresent(argc, argv, "-auto")) t->useAuto = 1;
+    if (argPresent(argc, argv, "-noauto")) t->useAuto = 0;
 
     uses->dr += fltArgD(argc, argv, "-drMin", &t->drMin);
     uses->dr += fltArgD(argc, argv, "-drMax", &t->drMax);
@@ -144,7 +139,7 @@ void readLimits(int argc, char** argv, DTensor* t, UseCounts* uses) {
 // An axis name, or else its angle name, fixes that rotation at its start value.
 void fixRotation(int argc, char** argv, const char* axisName, const char* angleName,
                  float start, float* min, float* max, UseCounts* uses) {
-    if (present(argc, argv, axisName) || present(argc, argv, angleName)) {
+    if (argPresent(argc, argv, axisName) || argPresent(argc, argv, angleName)) {
         *min = *max = start;
         uses->fixed++;
     }
@@ -162,19 +157,19 @@ void applyFixedFlags(int argc, char** argv, DTensor* t, UseCounts* uses) {
     fixRotation(argc, argv, "-rxFixed", "-psiFixed", t->rx, &t->rxMin, &t->rxMax, uses);
     fixRotation(argc, argv, "-ryFixed", "-thetaFixed", t->ry, &t->ryMin, &t->ryMax, uses);
     fixRotation(argc, argv, "-rzFixed", "-phiFixed", t->rz, &t->rzMin, &t->rzMax, uses);
-    if (present(argc, argv, "-daFixed")) {
+    if (argPresent(argc, argv, "-daFixed")) {
         t->daMin = t->daMax = t->da;
         uses->fixed++;
     }
 
     bool handled = false;
-    if (present(argc, argv, "-drFixed")) {
+    if (argPresent(argc, argv, "-drFixed")) {
         handled = true;
         uses->dr++;
         t->drMin = t->drMax = t->dr;
         t->rh = t->rhMin = t->rhMax = rhombicityOf(t);
-        if (present(argc, argv, "-rhFixed")) fixRhombicity(t, uses);
-    } else if (present(argc, argv, "-rhFixed")) {
+        if (argPresent(argc, argv, "-rhFixed")) fixRhombicity(t, uses);
+    } else if (argPresent(argc, argv, "-rhFixed")) {
         handled = true;
         fixRhombicity(t, uses);
     }
@@ -193,8 +188,8 @@ void applyFixedFlags(int argc, char** argv, DTensor* t, UseCounts* uses) {
 }
 
 void chooseRhMode(int argc, char** argv, DTensor* t, const UseCounts& uses) {
-    if (present(argc, argv, "-rhMode")) t->rhMode = 1;
-    if (present(argc, argv, "-norhMode")) t->rhMode = 0;
+    if (argPresent(argc, argv, "-rhMode")) t->rhMode = 1;
+    if (argPresent(argc, argv, "-norhMode")) t->rhMode = 0;
     if (uses.rh > 0) {
         t->rhMode = 1;
         if (uses.dr > 0) {
@@ -225,8 +220,8 @@ void clampStartValues(DTensor* t) {
 }
 
 int readGivenSaupe(int argc, char** argv, DTensor* t) {
-    const char* name = present(argc, argv, "-saupe")   ? "-saupe"
-                       : present(argc, argv, "-align") ? "-align"
+    const char* name = argPresent(argc, argv, "-saupe")   ? "-saupe"
+                       : argPresent(argc, argv, "-align") ? "-align"
                                                        : nullptr;
     if (!name) return 0;
     if (fltArgDN(argc, argv, name, t->saupeGiven, 5) < 5) {
@@ -252,16 +247,16 @@ int fltArgDAuto(int argc, char** argv, const char* name, float* value, int* auto
 }
 
 int getDTensorParams(int argc, char** argv, DTensor* t) {
-    if (present(argc, argv, "-help")) {
+    if (argPresent(argc, argv, "-help")) {
         showDTensorUsage();
         return 0;
     }
-    dTensorNull(t, present(argc, argv, "-reset") ? 1 : 0);
+    dTensorNull(t, argPresent(argc, argv, "-reset") ? 1 : 0);
     readMethod(argc, argv, t);
-    if (present(argc, argv, "-euler")) t->euler = 1;
-    if (present(argc, argv, "-noeuler")) t->euler = 0;
-    if (present(argc, argv, "-rotref")) t->rotref = 1;
-    if (present(argc, argv, "-norotref")) t->rotref = 0;
+    if (argPresent(argc, argv, "-euler")) t->euler = 1;
+    if (argPresent(argc, argv, "-noeuler")) t->euler = 0;
+    if (argPresent(argc, argv, "-rotref")) t->rotref = 1;
+    if (argPresent(argc, argv, "-norotref")) t->rotref = 0;
     readReferences(argc, argv, t);
     if (t->rotref) zeroRotations(t);
 

@@ -237,6 +237,11 @@ const char* getProgName() { return args.progName ? args.progName : "program"; }
 
 int badFlag() { return args.badFlag; }
 
+bool argPresent(int argc, char** argv, const char* name) {
+    flagLoc(argc, argv, name);
+    return !args.badFlag;
+}
+
 int intArg(int argc, char** argv, const char* name) {
     int loc = valueLoc(argc, argv, name);
     return loc < 0 ? 0 : toInt(argv[loc]);

@@ -16,6 +16,8 @@ char* getNthArg(int argc, char** argv, int n);
 const char* getProgName();
 // 1 when the last lookup failed (option absent or value missing).
 int badFlag();
+// Whether the option is present, marking it consumed.
+bool argPresent(int argc, char** argv, const char* name);
 
 // Single values: the argument right after the option, whatever it looks like.
 int intArg(int argc, char** argv, const char* name);
