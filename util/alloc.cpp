@@ -9,6 +9,7 @@ namespace {
 struct AllocState {
     int64_t inUse = 0;
     int64_t reused = 0;
+    int64_t blocks = 0;  // heap blocks taken or resized since the last reset
     int log = 0;
 };
 
@@ -30,6 +31,7 @@ void* takeBlock(const char* kind, const char* tag, int64_t bytes, bool zeroed) {
         reportFailure();
         return nullptr;
     }
+    state.blocks++;
     if (state.log) {
         std::fprintf(stderr, "\n_MEM %s Name: %s Alloc: %p Add: %ld Now: %ld\n", kind, tag, block,
                      static_cast<long>(bytes), static_cast<long>(state.inUse));
@@ -54,6 +56,7 @@ void* resizeBlock(const char* kind, const char* tag, void* old, int64_t newBytes
     }
     state.reused += oldBytes;
     state.inUse += newBytes - oldBytes;
+    state.blocks++;
     if (state.log) {
         std::fprintf(stderr, " Alloc: %p", block);
         std::fprintf(stderr, " Add: %ld Delete: %ld Now: %ld\n", static_cast<long>(newBytes),
@@ -136,6 +139,8 @@ void getMemUsed(int64_t* inUse, int64_t* reused) {
     if (inUse) *inUse = state.inUse;
     if (reused) *reused = state.reused;
 }
+
+int64_t getAllocCount() { return state.blocks; }
 
 void showAlloc() {
     std::fprintf(stderr, "REMARK Memory Allocation Status. Reused: %ld In Use: %ld\n",

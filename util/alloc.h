@@ -32,8 +32,10 @@ void unAlloc64(const char* tag, void* block, int64_t bytes);
 
 void setAlloc(int on);
 void getMemUsed(int64_t* inUse, int64_t* reused);
+// Number of blocks taken or resized so far, to show that a loop allocates nothing.
+int64_t getAllocCount();
 void showAlloc();
-// Clears both counters and switches the log off (for tests).
+// Clears the counters and switches the log off (for tests).
 void resetAlloc();
 
 // Text copies.
