@@ -141,15 +141,9 @@ int strMatchGlob(const char* text, const char* pattern) {
     return *pattern == '\0';
 }
 
-int atomMatch(const char* name, const char* pattern) {
-    if (!name || !pattern) return 0;
-    int64_t length = atomRegexLength(pattern);
-    char* regex = charMalloc64("regex", length + 1);
-    if (!regex) {
-        strRegError("out of memory");
-        return 0;
-    }
-    char* out = regex;
+namespace {
+
+void writeAtomRegex(char* out, const char* pattern) {
     *out++ = '^';
     for (const char* p = pattern; *p; p++) {
         if (*p == '#') {
@@ -164,9 +158,38 @@ int atomMatch(const char* name, const char* pattern) {
     }
     *out++ = '$';
     *out = '\0';
+}
+
+// Atom-name patterns are short: their expression and program fit on the
+// stack, so the atom lookups that try them on every atom of a residue need
+// no heap. Longer patterns take the general path.
+constexpr int64_t kStackRegex = 256;
+constexpr int64_t kStackProgram = 8192;
+
+int atomMatchOnHeap(const char* name, const char* pattern, int64_t length) {
+    char* regex = charMalloc64("regex", length + 1);
+    if (!regex) {
+        strRegError("out of memory");
+        return 0;
+    }
+    writeAtomRegex(regex, pattern);
     int found = strMatchRegex(name, regex);
     unAlloc64("regex", regex, length + 1);
     return found;
+}
+
+}  // namespace
+
+int atomMatch(const char* name, const char* pattern) {
+    if (!name || !pattern) return 0;
+    int64_t length = atomRegexLength(pattern);
+    if (length >= kStackRegex) return atomMatchOnHeap(name, pattern, length);
+    char regex[kStackRegex];
+    writeAtomRegex(regex, pattern);
+    alignas(16) char buffer[kStackProgram];
+    RegProgram* program = strRegCompInto(regex, buffer, sizeof buffer);
+    if (!program) return strMatchRegex(name, regex);
+    return strRegExec(program, name);
 }
 
 int isAtomExpr(const char* name, char* pattern, int size) {

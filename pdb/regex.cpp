@@ -337,7 +337,8 @@ bool isAnchored(const RegProgram* program) {
 // ---------------------------------------------------------------------------
 // Matcher. A depth-first search over the program in the order that prefers
 // the earlier alternative and the longer repetition. Pending choices and the
-// group positions to restore are kept on a stack on the heap.
+// group positions to restore are kept on a stack, in the matcher itself for
+// short names and on the heap when it grows.
 //
 // Every loop consumes at least one character per turn (the compiler refuses
 // empty loop bodies), so whether the rest of the pattern can match from a
@@ -355,7 +356,13 @@ struct Backtrack {
     int32_t pos;
 };
 
+// Room kept inside the matcher, so matching short names needs no heap.
+constexpr int64_t kInlineStack = 64;
+constexpr int64_t kInlineSeenBytes = 256;
+
 struct Matcher {
+    Backtrack inlineStack[kInlineStack];
+    unsigned char inlineSeen[kInlineSeenBytes];
     RegProgram* program = nullptr;
     const char* text = nullptr;
     int32_t length = 0;
@@ -369,18 +376,30 @@ struct Matcher {
     int32_t end[kRegSubExp];
 };
 
-bool push(Matcher& m, Backtrack entry) {
-    if (m.depth == m.capacity) {
-        int64_t grown = m.capacity ? m.capacity * 2 : 64;
-        void* block = voidReMalloc64(kTag, m.stack, grown * static_cast<int64_t>(sizeof(Backtrack)),
-                                     m.capacity * static_cast<int64_t>(sizeof(Backtrack)));
-        if (!block) {
-            strRegError("out of space");
-            return false;
-        }
-        m.stack = static_cast<Backtrack*>(block);
-        m.capacity = grown;
+bool onHeap(const Matcher& m) { return m.stack && m.stack != m.inlineStack; }
+
+bool growStack(Matcher& m) {
+    if (!m.stack) {
+        m.stack = m.inlineStack;
+        m.capacity = kInlineStack;
+        return true;
     }
+    int64_t grown = m.capacity * 2;
+    int64_t entry = static_cast<int64_t>(sizeof(Backtrack));
+    void* block = onHeap(m) ? voidReMalloc64(kTag, m.stack, grown * entry, m.capacity * entry)
+                            : voidMalloc64(kTag, grown * entry);
+    if (!block) {
+        strRegError("out of space");
+        return false;
+    }
+    if (!onHeap(m)) std::memcpy(block, m.inlineStack, sizeof m.inlineStack);
+    m.stack = static_cast<Backtrack*>(block);
+    m.capacity = grown;
+    return true;
+}
+
+bool push(Matcher& m, Backtrack entry) {
+    if (m.depth == m.capacity && !growStack(m)) return false;
     m.stack[m.depth++] = entry;
     return true;
 }
@@ -600,6 +619,11 @@ bool prepare(Matcher& m, RegProgram* program, const char* text, int lineStart) {
     int64_t bits = static_cast<int64_t>(program->choiceCount) * (m.length + 1);
     if (bits > 0 && bits <= kMaxSeenBits) {
         m.seenBytes = (bits + 7) / 8;
+        if (m.seenBytes <= kInlineSeenBytes) {
+            std::memset(m.inlineSeen, 0, static_cast<size_t>(m.seenBytes));
+            m.seen = m.inlineSeen;
+            return true;
+        }
         m.seen = static_cast<unsigned char*>(voidMallocNull64(kTag, m.seenBytes));
         if (!m.seen) {
             strRegError("out of space");
@@ -610,27 +634,18 @@ bool prepare(Matcher& m, RegProgram* program, const char* text, int lineStart) {
 }
 
 void release(Matcher& m) {
-    unAlloc64(kTag, m.stack, m.capacity * static_cast<int64_t>(sizeof(Backtrack)));
-    unAlloc64(kTag, m.seen, m.seenBytes);
+    if (onHeap(m)) unAlloc64(kTag, m.stack, m.capacity * static_cast<int64_t>(sizeof(Backtrack)));
+    if (m.seen != m.inlineSeen) unAlloc64(kTag, m.seen, m.seenBytes);
 }
 
 }  // namespace
 
-RegProgram* strRegComp(const char* pattern) {
-    if (!pattern) {
-        strRegError("NULL argument");
-        return nullptr;
-    }
-    Compiler sizing;
-    if (!compilePass(sizing, pattern)) return nullptr;
+namespace {
 
+// Lays the compiled program out in block (bytes long, sized by sizing).
+RegProgram* writeProgram(const char* pattern, const Compiler& sizing, char* block, int64_t bytes) {
+    std::memset(block, 0, static_cast<size_t>(bytes));
     int64_t nodeBytes = static_cast<int64_t>(sizing.nodeCount) * sizeof(RegNode);
-    int64_t bytes = static_cast<int64_t>(sizeof(RegProgram)) + nodeBytes + sizing.poolSize;
-    auto* block = static_cast<char*>(voidMallocNull64(kTag, bytes));
-    if (!block) {
-        strRegError("out of space");
-        return nullptr;
-    }
     auto* program = reinterpret_cast<RegProgram*>(block);
     program->node = reinterpret_cast<RegNode*>(block + sizeof(RegProgram));
     char* pool = block + sizeof(RegProgram) + nodeBytes;
@@ -648,6 +663,38 @@ RegProgram* strRegComp(const char* pattern) {
     numberChoices(program);
     program->anchored = isAnchored(program);
     return program;
+}
+
+// Bytes of the compiled program, or -1 (with the error text) for a bad pattern.
+int64_t programBytes(const char* pattern, Compiler* sizing) {
+    if (!pattern) {
+        strRegError("NULL argument");
+        return -1;
+    }
+    if (!compilePass(*sizing, pattern)) return -1;
+    int64_t nodeBytes = static_cast<int64_t>(sizing->nodeCount) * sizeof(RegNode);
+    return static_cast<int64_t>(sizeof(RegProgram)) + nodeBytes + sizing->poolSize;
+}
+
+}  // namespace
+
+RegProgram* strRegComp(const char* pattern) {
+    Compiler sizing;
+    int64_t bytes = programBytes(pattern, &sizing);
+    if (bytes < 0) return nullptr;
+    auto* block = static_cast<char*>(voidMallocNull64(kTag, bytes));
+    if (!block) {
+        strRegError("out of space");
+        return nullptr;
+    }
+    return writeProgram(pattern, sizing, block, bytes);
+}
+
+RegProgram* strRegCompInto(const char* pattern, void* buffer, int64_t size) {
+    Compiler sizing;
+    int64_t bytes = programBytes(pattern, &sizing);
+    if (bytes < 0 || bytes > size) return nullptr;
+    return writeProgram(pattern, sizing, static_cast<char*>(buffer), bytes);
 }
 
 void strRegFree(RegProgram* program) {

@@ -61,6 +61,10 @@ struct RegProgram {
 
 // Compiles a pattern; null (and an error text) on failure. Release with strRegFree.
 RegProgram* strRegComp(const char* pattern);
+// Compiles into the caller's buffer (aligned for RegProgram) without using
+// the heap; null when the pattern is bad or the program needs more than size
+// bytes. The program is not released.
+RegProgram* strRegCompInto(const char* pattern, void* buffer, int64_t size);
 void strRegFree(RegProgram* program);
 
 // Searches text for the first match; 1 when found (startp/endp are then set), else 0.
