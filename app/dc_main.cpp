@@ -4,11 +4,11 @@
 
 #include "app/getparams.h"
 #include "app/residue_range.h"
+#include "app/settings.h"
 #include "app/simulation.h"
 #include "dc/dipolar.h"
-#include "dc/read_dc.h"
-#include "app/settings.h"
 #include "dc/dtab.h"
+#include "dc/read_dc.h"
 #include "pdb/modes.h"
 #include "util/alloc.h"
 #include "util/args.h"
@@ -18,6 +18,12 @@
 
 namespace {
 
+// The residue range of a shift table that holds no rows. Until shift tables
+// are read here, every run sees this one, so that a run with neither table
+// covers residues 0 to 1000000.
+constexpr int kEmptyShiftFirst = 1000000;
+constexpr int kEmptyShiftLast = 0;
+
 // The reading steps and the run mode. The shift table, the surfaces and
 // the homology search join here as they are built.
 int runSteps(RunSettings* settings, DTab* dTab) {
@@ -26,7 +32,8 @@ int runSteps(RunSettings* settings, DTab* dTab) {
         std::fprintf(stderr, "DC Error Reading D Values in %s\n", settings->inName);
         return status;
     }
-    applyResidueRangeDefaults(settings, dTab->minResid, dTab->maxResid, 0, 0);
+    applyResidueRangeDefaults(settings, dTab->minResid, dTab->maxResid, kEmptyShiftFirst,
+                              kEmptyShiftLast);
     if (settings->pdbName[0]) return simDC(dTab, settings);
     return 0;
 }

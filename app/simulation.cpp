@@ -31,6 +31,9 @@ void reportSelection(int selected, const RunSettings* s) {
     char mode[1024];
     getDCSelectStr(s->inclMode, s->res1, s->resN, mode);
     std::printf("REMARK %d Couplings Selected. Mode: %s.\n", selected, mode);
+    // Keeps the line ahead of the REMARK lines on standard error when both
+    // streams go to one log.
+    std::fflush(stdout);
 }
 
 }  // namespace

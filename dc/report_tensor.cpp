@@ -32,9 +32,8 @@ void toRows(const float m[16], float r[4][4]) {
 void writeReference(FILE* out, const DTensor& t) {
     std::fprintf(out, "DATA EULER_REFERENCE % 7.2f % 7.2f % 7.2f\n", wrapReference(t.rxRef),
                  wrapReference(t.ryRef), wrapReference(t.rzRef));
-    std::fprintf(out, "DATA EULER_RELATIVE  % 7.2f % 7.2f % 7.2f\n",
-                 wrapReference(t.refSpare[0]), wrapReference(t.refSpare[1]),
-                 wrapReference(t.refSpare[2]));
+    std::fprintf(out, "DATA EULER_RELATIVE  % 7.2f % 7.2f % 7.2f\n", wrapReference(t.refSpare[0]),
+                 wrapReference(t.refSpare[1]), wrapReference(t.refSpare[2]));
     std::fprintf(out, "\n");
 }
 

@@ -13,14 +13,18 @@ namespace {
 
 constexpr int kWordSize = 1024;
 
-bool isWord(const char* token, const char* word) { return strcasecmp(token, word) == 0; }
+bool isWord(const char* token, const char* word) {
+    return strcasecmp(token, word) == 0;
+}
 bool isSkipped(const char* token) {
     return isWord(token, "to") || isWord(token, "none") || std::strcmp(token, "-") == 0;
 }
 
 // The position of a dash that separates two numbers inside one token; a
 // dash at the start is a minus sign.
-const char* innerDash(const char* token) { return token[0] ? std::strchr(token + 1, '-') : nullptr; }
+const char* innerDash(const char* token) {
+    return token[0] ? std::strchr(token + 1, '-') : nullptr;
+}
 
 struct Filters {
     char chain[kWordSize] = "*";
@@ -39,33 +43,47 @@ void copyWord(char* dst, const char* src, std::size_t length) {
     dst[length] = '\0';
 }
 
-// Reads the residue specification starting at token n.
+void copyToken(char* dst, int n, const char* text) {
+    const char* token = getToken(n, text);
+    copyWord(dst, token, std::strlen(token));
+}
+
+// Splits a token such as "20-30" (or "first-last") at its inner dash.
+void splitAtDash(RangeSpec* spec, const char* token, const char* dash) {
+    copyWord(spec->a, token, static_cast<std::size_t>(dash - token));
+    copyWord(spec->b, dash + 1, std::strlen(dash + 1));
+}
+
+// Reads the residue specification starting at token n: "a", "a-b", "a - b"
+// or "a to b". When "a to b" also holds a dash inside a or b, the two
+// separators disagree: the dash wins, and the whole "a to b" is used up so
+// that its other end is not taken for a residue of its own.
 RangeSpec readRange(const char* text, int n, int tokenCount) {
     RangeSpec spec;
-    char first[kWordSize];
-    copyWord(first, getToken(n, text), std::strlen(getToken(n, text)));
-    char next[kWordSize] = "";
-    if (n < tokenCount) copyWord(next, getToken(n + 1, text), std::strlen(getToken(n + 1, text)));
-    const char* dash = innerDash(first);
-    if (dash) {
-        if (isWord(next, "to")) {
-            std::fprintf(stderr, "DC Select Warning: Bad Range Specification at Location %d: %s\n",
-                         n, first);
-        }
-        copyWord(spec.a, first, static_cast<std::size_t>(dash - first));
-        copyWord(spec.b, dash + 1, std::strlen(dash + 1));
+    char first[kWordSize], next[kWordSize] = "", last[kWordSize] = "";
+    copyToken(first, n, text);
+    if (n < tokenCount) copyToken(next, n + 1, text);
+    bool joined = (isWord(next, "to") || std::strcmp(next, "-") == 0) && n + 2 <= tokenCount;
+    if (joined) copyToken(last, n + 2, text);
+    spec.tokensUsed = joined ? 3 : 1;
+
+    bool withTo = joined && isWord(next, "to");
+    const char* firstDash = innerDash(first);
+    const char* lastDash = withTo ? innerDash(last) : nullptr;
+    if (withTo && (firstDash || lastDash)) {
+        const char* dashed = firstDash ? first : last;
+        std::fprintf(stderr, "DC Select Warning: Bad Range Specification at Location %d: %s\n",
+                     firstDash ? n : n + 2, dashed);
+        splitAtDash(&spec, dashed, firstDash ? firstDash : lastDash);
+        return spec;
+    }
+    if (firstDash) {
+        splitAtDash(&spec, first, firstDash);
         spec.tokensUsed = 1;
         return spec;
     }
     copyWord(spec.a, first, std::strlen(first));
-    if ((isWord(next, "to") || std::strcmp(next, "-") == 0) && n + 2 <= tokenCount) {
-        const char* b = getToken(n + 2, text);
-        copyWord(spec.b, b, std::strlen(b));
-        spec.tokensUsed = 3;
-        return spec;
-    }
-    copyWord(spec.b, first, std::strlen(first));
-    spec.tokensUsed = 1;
+    copyWord(spec.b, joined ? last : first, std::strlen(joined ? last : first));
     return spec;
 }
 

@@ -102,14 +102,23 @@ void writeTensorMode(FILE* out, const DTensor& t) {
         case kMethodSaupe:
             std::fprintf(out, "\nDATA TENSOR_MODE SAUPE (Fixed Saupe Values)\n");
             break;
-        case kMethodFit: writeFitMode(out, t); break;
-        case kMethodGrid: writeGridMode(out, t); break;
-        case kMethodFixed: writeFixedMode(out, t); break;
-        case 6: std::fprintf(out, "\nDATA TENSOR_MODE STERIC (Zweckstetter Method)\n"); break;
+        case kMethodFit:
+            writeFitMode(out, t);
+            break;
+        case kMethodGrid:
+            writeGridMode(out, t);
+            break;
+        case kMethodFixed:
+            writeFixedMode(out, t);
+            break;
+        case 6:
+            std::fprintf(out, "\nDATA TENSOR_MODE STERIC (Zweckstetter Method)\n");
+            break;
         case 7:
             std::fprintf(out, "\nDATA TENSOR_MODE ELECTROSTATIC (Zweckstetter Method)\n");
             break;
-        default: break;
+        default:
+            break;
     }
 }
 
@@ -150,7 +159,9 @@ void writeFormats(FILE* out, NameColumns names, int style) {
     }
 }
 
-const char* nameOrNone(const char* name) { return name[0] ? name : "None"; }
+const char* nameOrNone(const char* name) {
+    return name[0] ? name : "None";
+}
 
 void writeSide(FILE* out, NameColumns names, int resid, const char* resName, const char* atomName,
                const char* chain, const char* seg) {
@@ -170,7 +181,8 @@ void writeRow(FILE* out, NameColumns names, int style, const DCValue& v) {
     } else if (style <= kColumnsCalculated) {
         std::fprintf(out, " % 9.2f % 9.4f %.3f %.3f\n", v.di, v.dCalc, v.ddTable, v.wTable);
     } else {
-        std::fprintf(out, " % 9.2f % 9.4f % 9.4f % 9.4f % .6e % .6e % .6e % .6e % .6e %d %.3f %.3f\n",
+        std::fprintf(out,
+                     " % 9.2f % 9.4f % 9.4f % 9.4f % .6e % .6e % .6e % .6e % .6e %d %.3f %.3f\n",
                      v.di, v.dObs, v.dCalc, diff, v.result[0], v.result[1], v.result[2],
                      v.result[3], v.result[4], static_cast<int>(v.result[5]), v.ddTable, v.wTable);
     }
@@ -179,7 +191,7 @@ void writeRow(FILE* out, NameColumns names, int style, const DCValue& v) {
 void writeTable(FILE* out, const DTab* dTab, int style, int mirror, const char* title) {
     writeVersionLines(out, "# ");
     std::fprintf(out, "\n");
-    if (title) std::fprintf(out, "# %s\n\n", title);
+    if (title && title[0]) std::fprintf(out, "# %s\n\n", title);
     writeStatistics(out, dTab);
     writeDCNotes(out);
     writeTensorMode(out, dTab->tensor);
@@ -204,6 +216,10 @@ int writeDC(const char* fileName, const DTab* dTab, int columnStyle, int mirror,
         return 0;
     }
     writeTable(out, dTab, columnStyle, mirror, title);
-    if (!useStdout) std::fclose(out);
+    if (useStdout) {
+        std::fflush(out);
+    } else {
+        std::fclose(out);
+    }
     return 0;
 }

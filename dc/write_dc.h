@@ -8,5 +8,4 @@ struct DTab;
 enum DCColumnStyle { kColumnsCalculated = 0, kColumnsObserved = 1, kColumnsDesign = 2 };
 
 // Writes to fileName, or standard output for an empty name. Returns 0.
-int writeDC(const char* fileName, const DTab* dTab, int columnStyle, int mirror,
-            const char* title);
+int writeDC(const char* fileName, const DTab* dTab, int columnStyle, int mirror, const char* title);

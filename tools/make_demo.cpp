@@ -18,13 +18,27 @@ struct Vec {
     double x, y, z;
 };
 
-Vec operator+(Vec a, Vec b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
-Vec operator-(Vec a, Vec b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
-Vec operator*(Vec a, double s) { return {a.x * s, a.y * s, a.z * s}; }
-double dot(Vec a, Vec b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-Vec cross(Vec a, Vec b) { return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x}; }
-Vec unit(Vec a) { return a * (1.0 / std::sqrt(dot(a, a))); }
-double radians(double degrees) { return degrees * kPi / 180.0; }
+Vec operator+(Vec a, Vec b) {
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+Vec operator-(Vec a, Vec b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+Vec operator*(Vec a, double s) {
+    return {a.x * s, a.y * s, a.z * s};
+}
+double dot(Vec a, Vec b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+Vec cross(Vec a, Vec b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+Vec unit(Vec a) {
+    return a * (1.0 / std::sqrt(dot(a, a)));
+}
+double radians(double degrees) {
+    return degrees * kPi / 180.0;
+}
 
 // Places d bonded to c with the given length, angle b-c-d and dihedral a-b-c-d.
 Vec place(Vec a, Vec b, Vec c, double length, double angle, double dihedral) {
@@ -149,9 +163,11 @@ bool writeCouplings(const std::string& path, const std::vector<Atom>& atoms,
     if (!out) return false;
     const double gammaH = 2.6752e8;
     const Pair pairs[] = {{"N", "H", -2.7116e7, 1.041, 0.2}, {"CA", "HA", 6.7283e7, 1.107, 0.5}};
-    std::fprintf(out, "REMARK Demonstration couplings: Da %.2e Dr %.2e PSI %.1f THETA %.1f PHI %.1f\n",
+    std::fprintf(out,
+                 "REMARK Demonstration couplings: Da %.2e Dr %.2e PSI %.1f THETA %.1f PHI %.1f\n",
                  t.da, t.dr, t.psi, t.theta, t.phi);
-    std::fprintf(out, "\nVARS   RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J D DD W\n");
+    std::fprintf(out,
+                 "\nVARS   RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J D DD W\n");
     std::fprintf(out, "FORMAT %%5d %%6s %%6s %%5d %%6s %%6s %%9.3f %%9.3f %%.2f\n\n");
     Noise noise;
     for (const Pair& pair : pairs) {
@@ -181,9 +197,9 @@ int main(int argc, char** argv) {
         return 1;
     }
     std::string dir = argv[1];
-    const std::vector<std::string> sequence = {"GLY", "ALA", "LEU", "ALA", "GLU", "ALA", "LYS",
-                                               "ALA", "GLY", "ALA", "LEU", "ALA", "ARG", "ALA",
-                                               "GLU", "ALA", "LEU", "GLY"};
+    const std::vector<std::string> sequence = {"GLY", "ALA", "LEU", "ALA", "GLU", "ALA",
+                                               "LYS", "ALA", "GLY", "ALA", "LEU", "ALA",
+                                               "ARG", "ALA", "GLU", "ALA", "LEU", "GLY"};
     const Tensor tensor{5.0e-4, 1.5e-4, 15.0, 25.0, 35.0};
     std::vector<Atom> atoms = buildPeptide(sequence, -57.0, -47.0);
     if (!writeStructure(dir + "/peptide.pdb", atoms) ||
@@ -191,7 +207,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "make_demo: cannot write into %s\n", dir.c_str());
         return 1;
     }
-    std::printf("Demo tensor: Da %.3e  Dr %.3e  Rhombicity %.3f  Euler (PSI THETA PHI) %.1f %.1f %.1f\n",
-                tensor.da, tensor.dr, tensor.dr / tensor.da, tensor.psi, tensor.theta, tensor.phi);
+    std::printf(
+        "Demo tensor: Da %.3e  Dr %.3e  Rhombicity %.3f  Euler (PSI THETA PHI) %.1f %.1f %.1f\n",
+        tensor.da, tensor.dr, tensor.dr / tensor.da, tensor.psi, tensor.theta, tensor.phi);
     return 0;
 }
