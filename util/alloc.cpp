@@ -9,6 +9,7 @@ namespace {
 struct AllocState {
     int64_t inUse = 0;
     int64_t reused = 0;
+    int64_t allocations = 0;
     int log = 0;
 };
 
@@ -30,6 +31,7 @@ void* takeBlock(const char* kind, const char* tag, int64_t bytes, bool zeroed) {
         reportFailure();
         return nullptr;
     }
+    state.allocations++;
     if (state.log) {
         std::fprintf(stderr, "\n_MEM %s Name: %s Alloc: %p Add: %ld Now: %ld\n", kind, tag, block,
                      static_cast<long>(bytes), static_cast<long>(state.inUse));
@@ -52,6 +54,7 @@ void* resizeBlock(const char* kind, const char* tag, void* old, int64_t newBytes
         reportFailure();
         return nullptr;
     }
+    state.allocations++;
     state.reused += oldBytes;
     state.inUse += newBytes - oldBytes;
     if (state.log) {
@@ -135,6 +138,10 @@ void setAlloc(int on) { state.log = on; }
 void getMemUsed(int64_t* inUse, int64_t* reused) {
     if (inUse) *inUse = state.inUse;
     if (reused) *reused = state.reused;
+}
+
+int64_t getAllocCount() {
+    return state.allocations;
 }
 
 void showAlloc() {

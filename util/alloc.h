@@ -32,6 +32,8 @@ void unAlloc64(const char* tag, void* block, int64_t bytes);
 
 void setAlloc(int on);
 void getMemUsed(int64_t* inUse, int64_t* reused);
+// Successful allocations and reallocations so far (cleared by resetAlloc).
+int64_t getAllocCount();
 void showAlloc();
 // Clears both counters and switches the log off (for tests).
 void resetAlloc();
