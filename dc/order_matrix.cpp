@@ -13,7 +13,9 @@ constexpr float kShortVector = 0.01f;
 // Offsets of the workspace blocks, in units of nv = structures x NVEC.
 enum Block { kX = 0, kY = 1, kZ = 2, kDICopy = 3, kDI = 4, kDObs = 5, kDD = 6 };
 
-int structureCount(const DTab* dTab) { return dTab->pdbCount > 1 ? dTab->pdbCount : 1; }
+int structureCount(const DTab* dTab) {
+    return dTab->pdbCount > 1 ? dTab->pdbCount : 1;
+}
 
 float* block(DTab* dTab, Block which) {
     return dTab->realWork + static_cast<long>(which) * structureCount(dTab) * dTab->nvec;
@@ -193,7 +195,7 @@ int getSaupeS(DTab* dTab) {
     if (!design) return 0;
     int copied = 0;
     forEachUsed(dTab, [&](int k, DCValue& v, int, int) {
-        if (k > dipolarSize()) return;
+        if (k >= dipolarSize()) return;
         for (int i = 0; i < 5; i++) v.result[i] = design[5 * k + i];
         v.result[5] = static_cast<float>(dTab->intWork[k]);
         copied++;
