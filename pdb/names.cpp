@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "util/token.h"
+#include "pdb/columns.h"
 
 namespace {
 
@@ -20,10 +20,18 @@ int emptyIfNullName(char* name) {
 
 }  // namespace
 
-int fixAtomName(char* name) { return emptyIfNullName(name); }
-int fixResName(char* name) { return emptyIfNullName(name); }
-int fixChainName(char* name) { return emptyIfNullName(name); }
-int fixSegName(char* name) { return emptyIfNullName(name); }
+int fixAtomName(char* name) {
+    return emptyIfNullName(name);
+}
+int fixResName(char* name) {
+    return emptyIfNullName(name);
+}
+int fixChainName(char* name) {
+    return emptyIfNullName(name);
+}
+int fixSegName(char* name) {
+    return emptyIfNullName(name);
+}
 
 int isProton(const char* name) {
     if (!name) return 0;
@@ -32,13 +40,5 @@ int isProton(const char* name) {
 }
 
 int getSubStr0(char* destination, const char* line, int first, int last) {
-    destination[0] = '\0';
-    int length = static_cast<int>(std::strlen(line));
-    if (first >= length) return 1;
-    int n = 0;
-    for (int i = first; i <= last && i < length; i++) {
-        if (!isWhiteChar(line[i])) destination[n++] = line[i];
-    }
-    destination[n] = '\0';
-    return 0;
+    return columnText(destination, line, static_cast<int>(std::strlen(line)), first, last);
 }

@@ -5,15 +5,14 @@
 #include <cstdio>
 #include <cstring>
 
+#include "pdb/columns.h"
 #include "pdb/index.h"
 #include "pdb/lists.h"
 #include "pdb/modes.h"
-#include "pdb/names.h"
 #include "pdb/records.h"
 #include "pdb/select.h"
 #include "pdb/structure.h"
 #include "util/growstr.h"
-#include "util/number_text.h"
 #include "util/token.h"
 
 namespace {
@@ -25,51 +24,68 @@ struct ReadCounts {
     int stored = 0;
 };
 
-bool isAtomRecord(const char* word, const PDBSelect* selection, bool* hetatm) {
-    *hetatm = strcasecmp(word, "HETATM") == 0;
-    if (*hetatm) return selection && selection->hetAtmRec;
-    return strcasecmp(word, "ATOM") == 0;
+// The record name: the line's first white-space-delimited word, looked at in
+// place, so that a line of any length costs no copy and leaves nothing behind.
+struct Word {
+    const char* start;
+    std::size_t length;
+};
+
+Word firstWord(const char* line) {
+    while (*line && isWhiteChar(*line)) line++;
+    const char* end = line;
+    while (*end && !isWhiteChar(*end)) end++;
+    return {line, static_cast<std::size_t>(end - line)};
 }
+
+bool wordIs(const Word& word, const char* keyword) {
+    return word.length == std::strlen(keyword) &&
+           strncasecmp(word.start, keyword, word.length) == 0;
+}
+
+bool isAtomRecord(const Word& word, const PDBSelect* selection, bool* hetatm) {
+    *hetatm = wordIs(word, "HETATM");
+    if (*hetatm) return selection && selection->hetAtmRec;
+    return wordIs(word, "ATOM");
+}
+
+// One atom line and its length, so that no field has to measure the line again.
+struct Line {
+    const char* text;
+    int length;
+
+    void field(char* destination, int first, int last) const {
+        columnText(destination, text, length, first, last);
+    }
+    int intField(int first, int last) const { return columnInt(text, length, first, last); }
+    float realField(int first, int last) const { return columnReal(text, length, first, last); }
+};
 
 // Fills the identifying fields the selection test needs.
-void readIdentity(PDBAtom* atom, const char* line) {
-    char field[kNameSize];
-    getSubStr0(field, line, 22, 25);
-    atom->resID = Atoi2(field);
-    getSubStr0(atom->atomName, line, 12, 15);
-    getSubStr0(atom->resName, line, 17, 20);
-    getSubStr0(atom->locID, line, 16, 16);
-    getSubStr0(atom->chain, line, 21, 21);
-    getSubStr0(atom->seg, line, 72, 75);
-    getSubStr0(atom->icode, line, 26, 26);
+void readIdentity(PDBAtom* atom, const Line& line) {
+    atom->resID = line.intField(22, 25);
+    line.field(atom->atomName, 12, 15);
+    line.field(atom->resName, 17, 20);
+    line.field(atom->locID, 16, 16);
+    line.field(atom->chain, 21, 21);
+    line.field(atom->seg, 72, 75);
+    line.field(atom->icode, 26, 26);
 }
 
-float realField(const char* line, int first, int last) {
-    char field[kNameSize];
-    getSubStr0(field, line, first, last);
-    return Atof2(field);
-}
-
-void readRest(PDBAtom* atom, const char* line, const ReadCounts& counts) {
-    if (getPDBUniqMode()) {
-        atom->atomID = counts.lineCount;
-    } else {
-        char field[kNameSize];
-        getSubStr0(field, line, 6, 10);
-        atom->atomID = Atoi2(field);
-    }
+void readRest(PDBAtom* atom, const Line& line, const ReadCounts& counts) {
+    atom->atomID = getPDBUniqMode() ? counts.lineCount : line.intField(6, 10);
     atom->model = counts.model;
-    atom->x = realField(line, 30, 37);
-    atom->y = realField(line, 38, 45);
-    atom->z = realField(line, 46, 53);
-    atom->occupancy = realField(line, 54, 59);
-    atom->tempFactor = realField(line, 60, 65);
-    getSubStr0(atom->element, line, 76, 77);
-    getSubStr0(atom->charge, line, 78, 79);
+    atom->x = line.realField(30, 37);
+    atom->y = line.realField(38, 45);
+    atom->z = line.realField(46, 53);
+    atom->occupancy = line.realField(54, 59);
+    atom->tempFactor = line.realField(60, 65);
+    line.field(atom->element, 76, 77);
+    line.field(atom->charge, 78, 79);
 }
 
 // Handles one atom line; false when the atom list cannot grow.
-bool readAtomLine(PDBData* pdb, PDBAtom* work, const char* line, bool hetatm,
+bool readAtomLine(PDBData* pdb, PDBAtom* work, const Line& line, bool hetatm,
                   const PDBSelect* selection, ReadCounts* counts) {
     if (pdb->firstAtom < 0) pdb->firstAtom = counts->stored;
     if (counts->stored > pdb->lastAtom) pdb->lastAtom = counts->stored;
@@ -99,17 +115,17 @@ bool readLines(FILE* stream, PDBData* pdb, const PDBSelect* selection, ReadCount
     strAllocInit(&line, fixed, sizeof fixed);
     bool ok = true;
     while (ok && fgetsAlloc(&line, &capacity, stream, chunk, sizeof chunk, fixed, sizeof fixed)) {
-        const char* word = getToken(1, line);
-        if (badToken()) continue;
-        std::size_t length = std::strlen(line);
-        if (length > 0 && line[length - 1] == '\n') line[length - 1] = '\0';
-        if (strcasecmp(word, "END") == 0 || strcasecmp(word, "ENDMDL") == 0) {
+        Word word = firstWord(line);
+        if (word.length == 0) continue;
+        int length = static_cast<int>(std::strlen(line));
+        if (length > 0 && line[length - 1] == '\n') line[--length] = '\0';
+        if (wordIs(word, "END") || wordIs(word, "ENDMDL")) {
             counts->blockAtoms = 0;
             continue;
         }
         bool hetatm;
         if (!isAtomRecord(word, selection, &hetatm)) continue;
-        ok = readAtomLine(pdb, &work, line, hetatm, selection, counts);
+        ok = readAtomLine(pdb, &work, Line{line, length}, hetatm, selection, counts);
     }
     strAllocFree(&line, fixed, sizeof fixed, &capacity);
     return ok;

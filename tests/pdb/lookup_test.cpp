@@ -1,0 +1,171 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "pdb/atom_list.h"
+#include "pdb/names.h"
+#include "pdb/records.h"
+#include "pdb/residue_types.h"
+#include "pdb_fixture.h"
+
+namespace {
+
+// Chain A: GLY 1 (atoms 0-2), ALA 2 with HB1-3 and HN (3-9), SER 3 with two
+// alternative CBs (10-12), ligand 4 with H0-H9 (13-22); chain B: TRP 1 (23-24).
+class LookupTest : public PDBTest {
+  protected:
+    void SetUp() override {
+        PDBTest::SetUp();
+        std::string text =
+            residueText(1, "GLY", 'A', 1, {"N", "CA", "H"}) +
+            residueText(4, "ALA", 'A', 2, {"N", "CA", "CB", "HB1", "HB2", "HB3", "HN"}) +
+            residueText(11, "SER", 'A', 3, {"N"}) +
+            pdbText({{12, " CB ", "SER", 'A', 3, 0, 0, 0, "ATOM  ", 'A'},
+                     {13, " CB ", "SER", 'A', 3, 0, 0, 0, "ATOM  ", 'B'}}) +
+            residueText(20, "LIG", 'A', 4,
+                        {"H0", "H1", "H2", "H3", "H4", "H5", "H6", "H7", "H8", "H9"}) +
+            residueText(30, "TRP", 'B', 1, {"N", "CA"});
+        ASSERT_EQ(read(text), 0);
+    }
+    PDBResidue* res(int index) { return pdb.residues + index; }
+    PDBAtom* atom(int index) { return pdb.atoms + index; }
+};
+
+TEST_F(LookupTest, ResiduesChainsAndNeighbours) {
+    ASSERT_EQ(pdb.resCount, 5);
+    EXPECT_EQ(findRes(&pdb, 1, "A", ""), res(0));
+    EXPECT_EQ(findRes(&pdb, 1, "B", ""), res(4));
+    EXPECT_EQ(findRes(&pdb, 1, "*", "*"), res(0));  // the first in residue order
+    EXPECT_EQ(findRes(&pdb, 3, "B", ""), nullptr);
+    EXPECT_EQ(findRes(&pdb, 5, "*", "*"), nullptr);
+    EXPECT_STREQ(findResName(&pdb, 2, "A", ""), "ALA");
+    EXPECT_STREQ(findResName(&pdb, 0, "A", ""), "");
+
+    int span = 0, count = 10;
+    EXPECT_EQ(getResCount(&pdb, 0, 5, "A", "", &span, &count), 14);
+    EXPECT_EQ(span, 6);
+    EXPECT_EQ(count, 14);
+
+    EXPECT_EQ(res(1)->prev, res(0));
+    EXPECT_EQ(res(1)->next, res(2));
+    EXPECT_EQ(res(3)->next, nullptr);
+    EXPECT_EQ(res(4)->prev, nullptr);
+    EXPECT_STREQ(res(3)->resType->name, "None");
+    EXPECT_EQ(findChain(&pdb, "B", ""), res(4)->chainRec);
+    EXPECT_EQ(res(4)->chainRec->atomCount, 2);
+    EXPECT_EQ(findChain(&pdb, "C", ""), nullptr);
+    PDBSegment* segA = findSeg(&pdb, "", "A");
+    ASSERT_NE(segA, nullptr);
+    EXPECT_EQ(segA->resMax, 4);
+    EXPECT_EQ(segA->byRes[2], res(2));
+}
+
+TEST_F(LookupTest, AtomsByNameAndAlternatives) {
+    EXPECT_EQ(findAtom(&pdb, 2, "CB", "A", ""), atom(5));
+    EXPECT_EQ(findAtom(&pdb, 2, "cb", "A", ""), nullptr);
+    EXPECT_EQ(findAtom(&pdb, 1, "CA", "B", ""), atom(24));
+    EXPECT_EQ(findAtom(&pdb, 1, "CA", "*", "*"), atom(1));
+    EXPECT_EQ(lastAtomLookupResidue(), res(0));
+    // Alternative locations are reached only through the any-chain path.
+    EXPECT_EQ(findAtom(&pdb, 3, "CB", "A", ""), nullptr);
+    EXPECT_EQ(lastAtomLookupUsedResidue(), 0);
+    EXPECT_EQ(findAtom(&pdb, 3, "CB", "*", "*"), atom(11));
+
+    EXPECT_EQ(findAtomN(&pdb, 2, "HN|H", "A", ""), atom(9));
+    EXPECT_EQ(findAtomN(&pdb, 1, "HN|H", "A", ""), atom(2));
+    EXPECT_EQ(findAtomN(&pdb, 1, "QQ | ZZ", "A", ""), nullptr);
+
+    PDBAtom* a = pdb.atoms;
+    EXPECT_EQ(pdbSameSeg(a, a + 1, a + 3, a + 4), 1);
+    EXPECT_EQ(pdbSameSeg(a, a + 1, a + 3, a + 23), 0);
+    EXPECT_EQ(pdbSameSeg(a, a + 1, nullptr, a + 4), 0);
+    PDBAtom lower = a[4];
+    copyName(lower.chain, "a");
+    EXPECT_EQ(pdbSameSeg(a, a + 1, a + 3, &lower), 1);
+}
+
+TEST_F(LookupTest, AtomListsFromExpressionsAndPrefixes) {
+    PDBAtom* out[9] = {};
+    ASSERT_EQ(findAtomList(&pdb, 2, "HB#", "A", "", out), 3);
+    EXPECT_EQ(out[0], atom(6));
+    EXPECT_EQ(out[2], atom(8));
+    EXPECT_EQ(findAtomList(&pdb, 2, "H*", "*", "*", out), 4);
+    EXPECT_EQ(findAtomList(&pdb, 2, "CB", "A", "", out), 1);
+    EXPECT_EQ(findAtomList(&pdb, 2, "HB", "A", "", out), 0);
+    ASSERT_EQ(findAtomList(&pdb, 4, "H#", "A", "", out), 9);  // ten match, nine are kept
+    EXPECT_EQ(out[8], atom(21));
+
+    ASSERT_EQ(findBestAtoms(&pdb, 2, "unused", "HB", "A", "", out), 3);
+    EXPECT_EQ(out[1], atom(7));
+    EXPECT_EQ(findBestAtoms(&pdb, 2, "", "hb", "*", "*", out), 3);
+    EXPECT_EQ(findBestAtoms(&pdb, 2, "", "QB", "A", "", out), 0);
+    EXPECT_EQ(findBestAtoms(&pdb, 2, "", "H", "A", "", out), 0);
+    EXPECT_EQ(findBestAtoms(&pdb, 1, "", "H", "A", "", out), 1);
+}
+
+TEST(ResidueNames, ConversionsCoverAminoAcidsOnly) {
+    EXPECT_STREQ(getResName3("w"), "TRP");
+    EXPECT_STREQ(getResName3("Gly"), "GLY");
+    EXPECT_STREQ(getResName3("dADE"), "None");
+    EXPECT_STREQ(getResName3("U"), "None");
+    EXPECT_STREQ(getResName1("XYZ"), "?");
+    EXPECT_STREQ(getResName1("trp"), "W");
+    EXPECT_STREQ(getResName1("ADE"), "?");
+    EXPECT_EQ(isAminoAcid("val"), 1);
+    EXPECT_EQ(isAminoAcid("URI"), 0);
+    const ResType* uri = findResTypeByName("rURI");
+    EXPECT_EQ(uri->code, 'T');
+    EXPECT_EQ(uri->type, 304);
+    EXPECT_EQ(findResTypeByName("dade")->type, 101);
+    EXPECT_STREQ(findResTypeByName("HOH")->name, "None");
+}
+
+TEST(Names, CleanUpProtonTestAndColumns) {
+    const char* cases[][2] = {{"{}", ""},         {"NONE", ""},   {"(null)", ""},
+                              {"None ", "None "}, {"{ }", "{ }"}, {"CA", "CA"}};
+    for (const auto& c : cases) {
+        char name[16];
+        copyName(name, c[0]);
+        EXPECT_EQ(fixAtomName(name), c[1][0] != c[0][0]) << c[0];
+        EXPECT_STREQ(name, c[1]);
+        copyName(name, c[0]);
+        EXPECT_EQ(fixSegName(name), c[1][0] != c[0][0]) << c[0];
+    }
+    EXPECT_EQ(isProton("1HB") + isProton("HN") + isProton("h"), 3);
+    EXPECT_EQ(isProton("CA") + isProton("") + isProton("12"), 0);
+
+    char out[16];
+    EXPECT_EQ(getSubStr0(out, "ATOM      1  CA  GLY", 12, 15), 0);
+    EXPECT_STREQ(out, "CA");
+    EXPECT_EQ(getSubStr0(out, "ATOM  ", 2, 9), 0);
+    EXPECT_STREQ(out, "OM");
+    EXPECT_EQ(getSubStr0(out, "ATOM", 4, 9), 1);
+    EXPECT_STREQ(out, "");
+}
+
+TEST(AtomLists, SlotsAppendsPositionsAndMeanDistances) {
+    PDBAtom atoms[3];
+    for (PDBAtom& a : atoms) atomNull(&a);
+    atoms[1].x = 3.0f;
+    atoms[2].y = 4.0f;
+    PDBAtom* list[4] = {atoms, nullptr, atoms + 1, nullptr};
+    EXPECT_EQ(findAtomInList(nullptr, list, 4), 1);
+    EXPECT_EQ(findAtomInList(atoms, list, 4), -1);
+    EXPECT_EQ(atomListExclTest(list, 2, list, 4), 1);
+    EXPECT_EQ(atomListExclTest(list, 1, list, 4), 0);
+    int count = 1;
+    EXPECT_EQ(incrAtomList(atoms, list, &count), 0);
+    EXPECT_EQ(incrAtomList(atoms + 2, list, &count), 1);
+    EXPECT_EQ(list[count - 1], atoms + 2);
+    float x, y, z;
+    EXPECT_EQ(findAtomListPos(list, 2, &x, &y, &z), 2);
+    EXPECT_FLOAT_EQ(y, 2.0f);
+    // Pairs (0,1) = 3 and (2,1) = 5; the two with a missing atom add 0: 8 / 4.
+    PDBAtom* first[2] = {atoms, atoms + 2};
+    PDBAtom* second[2] = {atoms + 1, nullptr};
+    float r = 0;
+    EXPECT_EQ(findAtomListRad(first, 2, second, 2, &r), 4);
+    EXPECT_FLOAT_EQ(r, 2.0f);
+}
+
+}  // namespace
