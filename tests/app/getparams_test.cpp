@@ -5,10 +5,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "pdb/modes.h"
 #include "support/arg_vector.h"
+#include "support/checks.h"
 #include "util/alloc.h"
 #include "util/args.h"
 #include "util/levels.h"
@@ -20,9 +22,7 @@ class GetParamsTest : public ::testing::Test {
     void SetUp() override { resetState(); }
     void TearDown() override {
         runSettingsFree(&s);
-        int64_t used = 0;
-        getMemUsed(&used, nullptr);
-        EXPECT_EQ(used, 0);
+        EXPECT_EQ(bytesInUse(), 0);
         resetState();
     }
     static void resetState() {
@@ -71,33 +71,37 @@ TEST_F(GetParamsTest, DefaultsWhenNothingIsGiven) {
 }
 
 TEST_F(GetParamsTest, RetryAndLevelsTakeAnOptionalValue) {
-    struct Case {
-        std::vector<std::string> words;
-        int retries;
-    };
-    const Case cases[] = {{{"-retry"}, 17},
-                          {{"-retry", "-pdb", "x"}, 17},
-                          {{"-retry", "3"}, 3},
-                          {{"-retry", "3", "-noretry"}, 0},
-                          {{"-noretry", "-retry"}, 0}};
-    for (const Case& c : cases) {
-        read(c.words);
-        EXPECT_EQ(s.retries, c.retries) << c.words.size() << " words";
+    const std::pair<std::vector<std::string>, int> cases[] = {{{"-retry"}, 17},
+                                                              {{"-retry", "-pdb", "x"}, 17},
+                                                              {{"-retry", "3"}, 3},
+                                                              {{"-retry", "3", "-noretry"}, 0},
+                                                              {{"-noretry", "-retry"}, 0}};
+    for (const auto& [words, retries] : cases) {
+        read(words);
+        EXPECT_EQ(s.retries, retries) << words.size() << " words";
     }
     read({"-dbg", "-verb", "2"});
     EXPECT_EQ(dbgFlag(), 1);
     EXPECT_EQ(verbose(), 2);
 }
 
-TEST_F(GetParamsTest, ResidueAndThresholdOptions) {
-    read({"-r1",    "-5", "-s1",    "7", "-dN",  "9", "-rN",       "50",  "-a1",       "3",
-          "-sStep", "2",  "-dStep", "9", "-sID", "4", "-csThresh", "1.5", "-vcThresh", "0.5"});
-    // -r1 is read after -s1, -sStep after -dStep; -5 is a value.
-    const int ints[] = {s.res1, s.resN, s.aRes1, s.segStep, s.segID};
-    const int expected[] = {-5, 50, 3, 2, 4};
-    for (int i = 0; i < 5; i++) EXPECT_EQ(ints[i], expected[i]) << "setting " << i;
+TEST_F(GetParamsTest, ValueOptionsAndSwitches) {
+    read({"-r1",       "-5",  "-s1",       "7",   "-dN",      "9",    "-rN",  "50",
+          "-a1",       "3",   "-sStep",    "2",   "-dStep",   "9",    "-sID", "4",
+          "-csThresh", "1.5", "-vcThresh", "0.5", "-inclMin", "-excl"});
+    // -r1 is read after -s1, -sStep after -dStep, -excl after -inclMin; -5 is a value.
+    const int ints[] = {s.res1, s.resN, s.aRes1, s.segStep, s.segID, s.inclMode};
+    const int expected[] = {-5, 50, 3, 2, 4, 3};
+    for (int i = 0; i < 6; i++) EXPECT_EQ(ints[i], expected[i]) << "setting " << i;
     EXPECT_EQ(s.csThresh, 1.5f);
     EXPECT_EQ(s.vcThresh, 0.5f);
+    read({"-constRMS", "-mirror", "-nofixedDI", "-keepDI", "-ignore", "-bb", "-graph", "-incl"});
+    EXPECT_EQ(s.constRMS + s.mirror + s.keepDI + s.bbFlag, 4);
+    EXPECT_EQ(s.fixedDI, 0);
+    EXPECT_EQ(s.inclMode, 2);
+    EXPECT_EQ(getPDBChainMode() + getPDBSegMode(), 2);
+    read({"-mirror", "-nomirror", "-keepDI", "-nokeepDI", "-constRMS", "-noconstRMS"});
+    EXPECT_EQ(s.mirror + s.keepDI + s.constRMS, 0);
 }
 
 TEST_F(GetParamsTest, OptionBeatsEnvironmentBeatsDefault) {
@@ -122,7 +126,6 @@ TEST_F(GetParamsTest, FileNamesTitlesAndTheBackboneReport) {
     const std::string expected[] = {"a.pdb", "a.pdb", "d.tab", "d.tab", "cs.tab", "Shifts", "o2"};
     for (int i = 0; i < 7; i++) EXPECT_EQ(names[i], expected[i]);
     EXPECT_EQ(s.bbFlag, 1);
-
     read({"-pdbTitle", "Ubiquitin", "-pdb", "u.pdb", "-nobb"});
     EXPECT_STREQ(s.pdbTitle, "Ubiquitin");
     EXPECT_EQ(s.bbFlag, 0);
@@ -130,19 +133,6 @@ TEST_F(GetParamsTest, FileNamesTitlesAndTheBackboneReport) {
     read({"-r1", "4", "-pdb"});
     EXPECT_EQ(s.bbFlag, 1);
     EXPECT_STREQ(s.pdbName, "");
-}
-
-TEST_F(GetParamsTest, SwitchesLaterInLookupOrderWin) {
-    read({"-inclMin", "-excl"});
-    EXPECT_EQ(s.inclMode, 3);
-    read({"-inclMax", "-incl"});
-    EXPECT_EQ(s.inclMode, 4);
-    read({"-constRMS", "-mirror", "-nofixedDI", "-keepDI", "-ignore", "-bb", "-graph"});
-    EXPECT_EQ(s.constRMS + s.mirror + s.keepDI + s.bbFlag, 4);
-    EXPECT_EQ(s.fixedDI, 0);
-    EXPECT_EQ(getPDBChainMode() + getPDBSegMode(), 2);
-    read({"-mirror", "-nomirror", "-keepDI", "-nokeepDI", "-constRMS", "-noconstRMS"});
-    EXPECT_EQ(s.mirror + s.keepDI + s.constRMS, 0);
 }
 
 TEST_F(GetParamsTest, SelectionAndListsRunToTheNextFlag) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "support/checks.h"
 #include "support/run_dc.h"
 #include "util/alloc.h"
 #include "util/table.h"
@@ -19,12 +20,10 @@ class TableTest : public testing::Test {
     void SetUp() override {
         dir_ = scratchDir(std::string("table_") +
                           testing::UnitTest::GetInstance()->current_test_info()->name());
-        getMemUsed(&startInUse_, nullptr);
+        startInUse_ = bytesInUse();
     }
     void TearDown() override {
-        int64_t inUse = 0;
-        getMemUsed(&inUse, nullptr);
-        EXPECT_EQ(inUse, startInUse_) << "bytes not given back";
+        EXPECT_EQ(bytesInUse(), startInUse_) << "bytes not given back";
         std::filesystem::remove_all(dir_);
     }
     std::string path(const std::string& name) const { return dir_ + "/" + name; }
@@ -44,11 +43,8 @@ struct ReadTable {
     int status = -1;
     std::string err;
 
-    explicit ReadTable(const std::string& path, float nullValue = -9999.0f, int allowEmpty = 0,
-                       int readData = 1) {
-        testing::internal::CaptureStderr();
-        status = rdTable2(path.c_str(), &tab, hdr, nullValue, allowEmpty, readData);
-        err = testing::internal::GetCapturedStderr();
+    explicit ReadTable(const std::string& path, float nullValue = -9999.0f) {
+        err = stderrOf([&] { status = rdTable2(path.c_str(), &tab, hdr, nullValue, 0, 1); });
     }
     ~ReadTable() {
         freeTab(&tab);
