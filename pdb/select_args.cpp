@@ -6,11 +6,6 @@
 
 namespace {
 
-bool present(int argc, char** argv, const char* name) {
-    flagLoc(argc, argv, name);
-    return !badFlag();
-}
-
 void readNameList(int argc, char** argv, const char* name, NameList* list) {
     int count = 0;
     char** names = sListArg(argc, argv, name, &count);
@@ -22,7 +17,7 @@ void readNameList(int argc, char** argv, const char* name, NameList* list) {
 
 void setMode(int argc, char** argv, const char* name, int mode, NameList* const lists[],
              int listCount) {
-    if (!present(argc, argv, name)) return;
+    if (!argPresent(argc, argv, name)) return;
     for (int i = 0; i < listCount; i++) lists[i]->mode = mode;
 }
 
@@ -121,7 +116,7 @@ void showPDBSelectUsage() {
 }
 
 int getPDBSelectArgs(int argc, char** argv, PDBSelect* s) {
-    if (present(argc, argv, "-help")) {
+    if (argPresent(argc, argv, "-help")) {
         showPDBSelectUsage();
         return 0;
     }
@@ -137,7 +132,7 @@ int getPDBSelectArgs(int argc, char** argv, PDBSelect* s) {
     readNameList(argc, argv, "-seg", &s->segNames);
     intArgD(argc, argv, "-id", &s->selectID);
     logArgD(argc, argv, "-inv", &s->invert);
-    if (present(argc, argv, "-protein")) s->specialClass = kSpecialAminoAcids;
+    if (argPresent(argc, argv, "-protein")) s->specialClass = kSpecialAminoAcids;
     readSpace(argc, argv, s);
     logArgD(argc, argv, "-clear", &s->clear);
     logArgD(argc, argv, "-set", &s->set);
