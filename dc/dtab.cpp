@@ -79,32 +79,38 @@ int dTabPDBAlloc(DTab* dTab, PDBData** pdbs, int count) {
     return 0;
 }
 
+namespace {
+
+// Grows a zero-filled workspace of elements of type T to at least size;
+// a workspace is never shrunk. False after the message when it cannot be made.
+template <class T>
+bool growWorkspace(T** work, int* current, int size, const char* failure) {
+    if (size <= *current) return true;
+    unAlloc64("dc", *work, static_cast<int64_t>(*current) * sizeof(T));
+    *current = 0;
+    *work = static_cast<T*>(voidMallocNull64("dc", static_cast<int64_t>(size) * sizeof(T)));
+    if (!*work) {
+        std::fprintf(stderr, "%s", failure);
+        return false;
+    }
+    *current = size;
+    return true;
+}
+
+}  // namespace
+
 int dcWorkAlloc(DTab* dTab, int pdbCount) {
     int structures = pdbCount > 1 ? pdbCount : 1;
     if (dTab->pdbCount > structures) structures = dTab->pdbCount;
     int realSize = 9 * structures * dTab->nvec + 9;
     int intSize = dTab->nvec + 1;
-    if (realSize > dTab->realSize) {
-        unAlloc64("dc", dTab->realWork, static_cast<int64_t>(dTab->realSize) * sizeof(float));
-        dTab->realSize = 0;
-        dTab->realWork = static_cast<float*>(
-            voidMallocNull64("dc", static_cast<int64_t>(realSize) * sizeof(float)));
-        if (!dTab->realWork) {
-            std::fprintf(stderr, "DC Error Allocating DC Real Workspace.\n");
-            return 1;
-        }
-        dTab->realSize = realSize;
+    if (!growWorkspace(&dTab->realWork, &dTab->realSize, realSize,
+                       "DC Error Allocating DC Real Workspace.\n")) {
+        return 1;
     }
-    if (intSize > dTab->intSize) {
-        unAlloc64("dc", dTab->intWork, static_cast<int64_t>(dTab->intSize) * sizeof(int));
-        dTab->intSize = 0;
-        dTab->intWork = static_cast<int*>(
-            voidMallocNull64("dc", static_cast<int64_t>(intSize) * sizeof(int)));
-        if (!dTab->intWork) {
-            std::fprintf(stderr, "DC Error Allocating DC Integer Workspace.\n");
-            return 1;
-        }
-        dTab->intSize = intSize;
+    if (!growWorkspace(&dTab->intWork, &dTab->intSize, intSize,
+                       "DC Error Allocating DC Integer Workspace.\n")) {
+        return 1;
     }
     return 0;
 }

@@ -134,23 +134,24 @@ void rangeFromAtoms(PDBGroup* group) {
     }
 }
 
+// Points the atoms of every chain (or segment) and their residues back at
+// it through the given member, and takes its residue range.
+template <class Group>
+void linkGroups(Group* groups, int count, Group* PDBAtom::*atomField,
+                Group* PDBResidue::*residueField) {
+    for (int g = 0; g < count; g++) {
+        Group* group = groups + g;
+        for (int a = 0; a < group->atomCount; a++) {
+            group->atoms[a]->*atomField = group;
+            group->atoms[a]->residue->*residueField = group;
+        }
+        rangeFromAtoms(group);
+    }
+}
+
 void linkChains(PDBData* pdb) {
-    for (int c = 0; c < pdb->chainCount; c++) {
-        PDBChain* chain = pdb->chains + c;
-        for (int a = 0; a < chain->atomCount; a++) {
-            chain->atoms[a]->chainRec = chain;
-            chain->atoms[a]->residue->chainRec = chain;
-        }
-        rangeFromAtoms(chain);
-    }
-    for (int s = 0; s < pdb->segCount; s++) {
-        PDBSegment* seg = pdb->segs + s;
-        for (int a = 0; a < seg->atomCount; a++) {
-            seg->atoms[a]->segRec = seg;
-            seg->atoms[a]->residue->segRec = seg;
-        }
-        rangeFromAtoms(seg);
-    }
+    linkGroups(pdb->chains, pdb->chainCount, &PDBAtom::chainRec, &PDBResidue::chainRec);
+    linkGroups(pdb->segs, pdb->segCount, &PDBAtom::segRec, &PDBResidue::segRec);
 }
 
 int appendGroupResidue(PDBGroup* group, PDBResidue* residue) {
