@@ -1,13 +1,16 @@
-// Small PDB texts built column by column, and a fixture that reads them and
-// checks that every test gives back all the memory it took.
+// Small PDB texts built column by column, a fixture that reads them and
+// checks that every test gives back all the memory it took, and independent
+// double-precision geometry for checking measured angles.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <initializer_list>
 #include <string>
+#include <utility>
 
 #include "pdb/lookup.h"
 #include "pdb/modes.h"
@@ -108,7 +111,51 @@ class PDBTest : public ::testing::Test {
         writeFile(path(), text);
         return readPDB(path().c_str(), into ? into : &pdb, selection);
     }
+    // hafp_a.pdb with every occurrence of each first text replaced by the second.
+    int readShared(std::initializer_list<std::pair<std::string, std::string>> edits = {}) {
+        std::string text = readFile(DC_SHARED_DATA "/hafp_a.pdb");
+        for (const auto& [from, to] : edits) {
+            for (size_t at = 0; (at = text.find(from, at)) != std::string::npos;) {
+                text.replace(at, from.size(), to);
+            }
+        }
+        return read(text);
+    }
 
     PDBData pdb;
     int64_t start = 0;
 };
+
+// Reference geometry in double precision: the atan2 form of the dihedral
+// (IUPAC sign) and the plain bend angle, in degrees.
+constexpr double kDegrees = 57.29577951308232;
+
+struct V3 {
+    double x, y, z;
+    V3 operator-(V3 b) const { return {x - b.x, y - b.y, z - b.z}; }
+    V3 operator+(V3 b) const { return {x + b.x, y + b.y, z + b.z}; }
+    V3 operator*(double s) const { return {s * x, s * y, s * z}; }
+};
+
+inline double dot(V3 a, V3 b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+inline V3 cross(V3 a, V3 b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+inline V3 at(const PDBAtom* a) {
+    return {a->x, a->y, a->z};
+}
+
+inline double torsion(V3 p1, V3 p2, V3 p3, V3 p4) {
+    V3 b1 = p2 - p1, b2 = p3 - p2, b3 = p4 - p3;
+    double y = std::sqrt(dot(b2, b2)) * dot(b1, cross(b2, b3));
+    return std::atan2(y, dot(cross(b1, b2), cross(b2, b3))) * kDegrees;
+}
+inline double torsion(const PDBAtom* a, const PDBAtom* b, const PDBAtom* c, const PDBAtom* d) {
+    return torsion(at(a), at(b), at(c), at(d));
+}
+inline double bend(V3 a, V3 b, V3 c) {
+    V3 u = a - b, w = c - b;
+    return std::acos(dot(u, w) / std::sqrt(dot(u, u) * dot(w, w))) * kDegrees;
+}

@@ -1,11 +1,19 @@
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <climits>
+#include <cstring>
 #include <fstream>
+#include <random>
 #include <string>
+#include <vector>
 
-#include "pdb/residue_types.h"
+#include "pdb/columns.h"
+#include "pdb/keys.h"
+#include "pdb/records.h"
 #include "pdb/select.h"
 #include "pdb_fixture.h"
+#include "util/number_text.h"
 
 namespace {
 
@@ -32,14 +40,6 @@ TEST_F(ReaderTest, LaterModelsRepeatTheFirstModelsKeys) {
     EXPECT_EQ(findAtom(&pdb, 1, "CA", "A", ""), pdb.atoms + 1);
     EXPECT_EQ(findAtom(&pdb, 1, "CA", "*", "*"), pdb.atoms + 1);
     EXPECT_EQ(pdb.residues[0].atomCount, 4);  // both models' atoms
-    EXPECT_EQ(pdb.lastAtom, 5);
-
-    pdbFree(&pdb);  // unique atoms: running serials, no repeated keys
-    setPDBUniqMode(1);
-    testing::internal::CaptureStderr();
-    ASSERT_EQ(read(kModel + "END\n" + kModel), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_EQ(pdb.atoms[4].atomID, 5);
 }
 
 TEST_F(ReaderTest, HetatmNeedsTheSwitchAndMarksEveryLaterAtom) {
@@ -64,28 +64,6 @@ TEST_F(ReaderTest, HetatmNeedsTheSwitchAndMarksEveryLaterAtom) {
     EXPECT_EQ(pdb.atoms[3].resID, 5);
 }
 
-TEST_F(ReaderTest, FieldsComeFromTheirColumns) {
-    std::string line = atomLine(
-        {7, "HD21", "ASN", 'B', -12, -1.5f, 22.25f, 1000.125f, "ATOM  ", 'A', "SEGX", "H"});
-    put(line, 26, "Q");  // insertion code
-    put(line, 54, "  0.50 33.40");
-    put(line, 78, "1-");  // charge
-    ASSERT_EQ(read(line + atomLine({8, "CA  ", "GLY", 'B', -11, 1, 2, 3, "ATOM  ", ' ', "SEGX"})),
-              0);
-    EXPECT_EQ(describe(pdb.atoms[0]),
-              "7|HD21|A|ASN|B|-12|Q|-1.500 22.250 1000.125|0.50 33.40|SEGX|H|1-|m1 h0");
-    EXPECT_STREQ(pdb.atoms[1].atomName, "CA");  // written from column 13, not 14
-    EXPECT_EQ(pdb.resMin, -12);
-    EXPECT_EQ(pdb.resMax, -11);
-    EXPECT_FLOAT_EQ(pdb.savedXYZ[2], 1000.125f);
-    const PDBResidue* r = pdb.residues;
-    EXPECT_STREQ(r->resType->name, "ASN");
-    EXPECT_EQ(r->next, r + 1);
-    EXPECT_EQ(r[1].prev, r);
-    EXPECT_EQ(pdb.atoms[1].residue, r + 1);
-    EXPECT_EQ(pdb.atoms[1].chainRec->byRes[1], r + 1);
-}
-
 TEST_F(ReaderTest, IgnoreModeMergesChainsIntoOneResidue) {
     setPDBChainMode(1);
     setPDBSegMode(1);
@@ -104,8 +82,7 @@ TEST_F(ReaderTest, IgnoreModeMergesChainsIntoOneResidue) {
 }
 
 TEST_F(ReaderTest, SharedStructureFileIndexesEveryResidue) {
-    const std::string file = std::string(DC_SHARED_DATA) + "/hafp_a.pdb";
-    std::ifstream in(file);
+    std::ifstream in(DC_SHARED_DATA "/hafp_a.pdb");
     int atoms = 0, residues = 0, first = 0, last = 0;
     for (std::string line; std::getline(in, line);) {
         if (line.compare(0, 4, "ATOM") != 0) continue;
@@ -115,15 +92,11 @@ TEST_F(ReaderTest, SharedStructureFileIndexesEveryResidue) {
         last = resID;
     }
     ASSERT_GT(atoms, 0);
-    ASSERT_EQ(readPDB(file.c_str(), &pdb, nullptr), 0);
+    ASSERT_EQ(readShared(), 0);
     EXPECT_EQ(pdb.atomCount, atoms);
     EXPECT_EQ(pdb.resCount, residues);
     EXPECT_EQ(pdb.residues[0].resID, first);
     EXPECT_EQ(pdb.residues[pdb.resCount - 1].resID, last);
-    EXPECT_STREQ(findAtomN(&pdb, first + 1, "HN|H", "A", "")->atomName, "H");
-    PDBAtom* found[9];
-    ASSERT_EQ(findBestAtoms(&pdb, first, "", "HA", "A", "", found), 2);
-    EXPECT_STREQ(found[1]->atomName, "HA3");
 }
 
 TEST_F(ReaderTest, MalformedInputNeverBreaksTheStructure) {
@@ -155,32 +128,13 @@ TEST_F(ReaderTest, MalformedInputNeverBreaksTheStructure) {
               "PDB Error opening PDB file /nonexistent/none.pdb\n");
 }
 
-TEST_F(ReaderTest, VerboseReportsEveryListGrowth) {
+TEST_F(ReaderTest, ListsGrowPastTheirFirstSize) {
     std::string text;
-    for (int i = 1; i <= 33; i++) text += residueText(i, "LIG", 'A', 1, {"C"});
-    setPDBVerbose(1, 0);
-    testing::internal::CaptureStderr();
-    ASSERT_EQ(read(text), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "REMARK Expanding Atom List: 4096 atoms max.\n"
-              "REMARK Expanding Res List: 512 residues max.\n"
-              "REMARK Expanding Atom Index List: 32 atoms max.\n"
-              "REMARK Expanding Atom Index List: 40 atoms max.\n"
-              "REMARK Expanding Chain List: 8 chains max.\n"
-              "REMARK Expanding Atom Index List: 4096 atoms max.\n"
-              "REMARK Expanding Seg List: 8 segs max.\n"
-              "REMARK Expanding Atom Index List: 4096 atoms max.\n"
-              "REMARK Expanding Res Index List: 512 residues max.\n"
-              "REMARK Expanding Res Index List: 512 residues max.\n");
-    pdbFree(&pdb);
-
-    for (int i = 34; i <= 4097; i++) text += atomLine({i, " C  ", "LIG", 'A', 1 + i / 4});
-    setPDBVerbose(0, 0);
+    for (int i = 1; i <= 4097; i++) text += atomLine({i, " C  ", "LIG", 'A', 1 + i / 4});
     ASSERT_EQ(read(text), 0);
     EXPECT_EQ(pdb.atomCapacity, 4096 + 1024);
-    EXPECT_EQ(pdb.resCapacity, 512 + 4 * 150);  // 1018 residues
-    EXPECT_EQ(pdb.chains[0].atomCapacity, 4096 + 1024);
-    EXPECT_EQ(pdb.savedCount, pdb.atomCapacity);
+    EXPECT_EQ(pdb.resCount, 1025);
+    EXPECT_EQ(findAtom(&pdb, 1025, "C", "A", ""), pdb.atoms + 4095);  // the first of two
 }
 
 TEST_F(ReaderTest, DebugPrintsTheKeysItInsertsAndSearches) {
@@ -194,15 +148,6 @@ TEST_F(ReaderTest, DebugPrintsTheKeysItInsertsAndSearches) {
               "PDB inserting chain |A      |\n"
               "PDB inserting segment |     A |\n"
               "PDB finding   |1 N      A     |\n");
-    pdbFree(&pdb);
-
-    setPDBUniqMode(1);
-    testing::internal::CaptureStderr();
-    ASSERT_EQ(read(pdbText({{1, " N  ", "GLY", 'A', 1, 0, 0, 0, "ATOM  ", 'B'}})), 0);
-    std::string err = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(err.substr(0, err.find('\n') + 1),
-              "PDB inserting atom |atomID=1 resID=1 atomName=N model=1 chain=A seg=None locID=B "
-              "icode=None|\n");
 }
 
 TEST_F(ReaderTest, CopyNeedsMatchingAtomsAndFirstResidue) {
@@ -210,20 +155,17 @@ TEST_F(ReaderTest, CopyNeedsMatchingAtomsAndFirstResidue) {
     ASSERT_EQ(read(kModel), 0);
     ASSERT_EQ(read(kModel, nullptr, &other), 0);
     other.atoms[2].x = 70.0f;
-    other.atoms[2].selected = 3;
     other.savedXYZ[0] = -5.0f;
     EXPECT_EQ(pdbCopy(&pdb, &other), 0);
     EXPECT_FLOAT_EQ(pdb.atoms[2].x, 70.0f);
-    EXPECT_EQ(pdb.atoms[2].selected, 3);
     restorePDBCoords(&pdb);
     EXPECT_FLOAT_EQ(pdb.atoms[0].x, -5.0f);
     pdbFree(&other);
 
-    ASSERT_EQ(read(pdbText({{1, " N  ", "GLY", 'A', 2},
-                            {2, " CA ", "GLY", 'A', 2},
-                            {3, " N  ", "ALA", 'A', 3}}),
-                   nullptr, &other),
-              0);
+    ASSERT_EQ(
+        read(residueText(1, "GLY", 'A', 2, {"N", "CA"}) + residueText(3, "ALA", 'A', 3, {"N"}),
+             nullptr, &other),
+        0);
     testing::internal::CaptureStderr();
     EXPECT_EQ(pdbCopy(&pdb, &other), 1);
     EXPECT_EQ(pdbCopy(nullptr, &other), 1);
@@ -235,6 +177,90 @@ TEST_F(ReaderTest, CopyNeedsMatchingAtomsAndFirstResidue) {
               "Error (PDBCopy): Null PDB Data.\n"
               "Error (PDBCopy): Atom Count Mismatch.\n");
     pdbFree(&other);
+}
+
+// Atom keys "%d %-4s %3s %-4s" (alt-loc, insertion code and chain joined;
+// one column each in full-atom mode) and residue keys "%d %-2s %-4s", with
+// ignored chains or segments left blank.
+TEST(Keys, TextsInEveryKeyMode) {
+    struct Atom {
+        int resID;
+        const char *name, *locID, *icode, *chain;
+    } atoms[] = {{-12, "HD21", "A", "", "B"},
+                 {INT_MIN, "ABCDEFGHIJKLMNO", "AB", "CD", "E"},
+                 {1, "CA", "", "", ""}};
+    const char* keys[4][3][2] = {{{"-12 HD21  AB SG  ", "-12 B  SG  "},
+                                  {"-2147483648 ABCDEFGHIJKLMNO ABCDE SG  ", "-2147483648 E  SG  "},
+                                  {"1 CA       SG  ", "1    SG  "}},
+                                 {{"-12 HD21     SG  ", "-12    SG  "},  // chains ignored
+                                  {"-2147483648 ABCDEFGHIJKLMNO     SG  ", "-2147483648    SG  "},
+                                  {"1 CA       SG  ", "1    SG  "}},
+                                 {{"-12 HD21  AB     ", "-12 B      "},  // segments ignored
+                                  {"-2147483648 ABCDEFGHIJKLMNO ABCDE     ", "-2147483648 E      "},
+                                  {"1 CA           ", "1        "}},
+                                 {{"-12 HD21 A B SG  ", "-12 B  SG  "},  // full atom
+                                  {"-2147483648 ABCDEFGHIJKLMNO ACE SG  ", "-2147483648 E  SG  "},
+                                  {"1 CA       SG  ", "1    SG  "}}};
+    for (int mode = 0; mode < 4; mode++) {
+        resetPDBModes();
+        setPDBChainMode(mode == 1);
+        setPDBSegMode(mode == 2);
+        setPDBAtomMode(mode == 3);
+        for (int i = 0; i < 3; i++) {
+            PDBAtom atom;
+            atomNull(&atom);
+            atom.resID = atoms[i].resID;
+            copyName(atom.atomName, atoms[i].name);
+            copyName(atom.locID, atoms[i].locID);
+            copyName(atom.icode, atoms[i].icode);
+            copyName(atom.chain, atoms[i].chain);
+            copyName(atom.seg, "SG");
+            char key[kKeySize];
+            atomKey(key, &atom);
+            EXPECT_STREQ(key, keys[mode][i][0]) << mode;
+            resKey(key, atom.resID, atom.chain, "SG");
+            EXPECT_STREQ(key, keys[mode][i][1]) << mode;
+        }
+    }
+    resetPDBModes();
+    char key[kKeySize];  // lookups may be handed names of any length: cut like snprintf
+    atomLookupKey(key, 1, std::string(300, 'N').c_str(), "A", "");
+    EXPECT_EQ(std::strlen(key), kKeySize - 1);
+}
+
+// Numeric columns read exactly as Atof2 and Atoi2 read the field's text.
+TEST(Columns, NumbersAgreeWithTheGeneralParsers) {
+    std::mt19937 random(7);
+    const char alphabet[] = " 0123456789.-+eEx\t";
+    std::uniform_int_distribution<int> pick(0, sizeof alphabet - 2), size(0, 8);
+    std::uniform_real_distribution<float> value(-9999.0f, 9999.0f);
+    std::vector<std::string> fields = {"-0.000",
+                                       "-2147483648",
+                                       "16777217",
+                                       "1e40",
+                                       "-.5",
+                                       ".",
+                                       "9007199254740993",
+                                       "  1 2 . 5",
+                                       "0.1000000000000000055511151231257827"};
+    for (int i = 0; i < 20000; i++) {
+        char field[32];
+        std::snprintf(field, sizeof field, "%8.3f", value(random));
+        if (i % 2) {
+            field[size(random)] = '\0';
+            for (char* c = field; *c; c++) *c = alphabet[pick(random)];
+        }
+        fields.push_back(field);
+    }
+    for (const std::string& field : fields) {
+        std::string text = field.substr(0, 32);  // numeric fields are cut at 32 columns
+        std::erase_if(text, [](char c) { return c == ' ' || c == '\t'; });
+        int length = static_cast<int>(field.size());
+        float real = columnReal(field.c_str(), length, 0, length - 1);
+        EXPECT_EQ(std::bit_cast<uint32_t>(real), std::bit_cast<uint32_t>(Atof2(text.c_str())))
+            << "|" << field << "|";
+        EXPECT_EQ(columnInt(field.c_str(), length, 0, length - 1), Atoi2(text.c_str())) << field;
+    }
 }
 
 }  // namespace

@@ -15,10 +15,6 @@ using WriterTest = PDBTest;
 const std::string kVersion =
     std::string("REMARK TESSERA ") + DC_PDB_LIB_VERSION + " Rev " + DC_REVISION + "\n";
 
-const std::string kTwoModels =
-    pdbText({{1, " N  ", "GLY", 'A', 1, 1, 2, 3}, {2, " CA ", "GLY", 'A', 2, 4, 5, 6}}) + "END\n" +
-    pdbText({{1, " N  ", "GLY", 'A', 1, 7, 8, 9}, {2, " CA ", "GLY", 'A', 2, 1, 1, 1}});
-
 TEST_F(WriterTest, ShortNamesStartOneColumnLater) {
     std::string hd21 =
         atomLine({12345, "HD21", "ASN", ' ', -7, -123.456f, 0, 999.999f, "ATOM  ", 'B', "AB", "H"});
@@ -33,7 +29,6 @@ TEST_F(WriterTest, ShortNamesStartOneColumnLater) {
     ASSERT_EQ(getPDBAtomStr(pdb.atoms, text), 80);
     EXPECT_STREQ(
         text, "ATOM      2  CA  ALA A   2       1.500  -2.250  10.000  1.00 12.50           C  ");
-    EXPECT_EQ(std::string(text).substr(12, 4), " CA ");
     ASSERT_EQ(getPDBAtomStr(pdb.atoms + 1, text), 80);
     EXPECT_STREQ(
         text, "HETATM12345 HD21BASN    -7Q   -123.456   0.000 999.999  0.50100.00        AB H1+");
@@ -63,12 +58,13 @@ TEST_F(WriterTest, WrittenFileReadsBackToTheSameAtoms) {
     for (int i = 0; i < 8; i++) EXPECT_EQ(describe(back.atoms[i]), describe(pdb.atoms[i])) << i;
     EXPECT_EQ(describe(back.atoms[6]), "7|CA||ASN|B|7|X|0.000 0.000 0.000|1.00 0.00|S1|||m2 h1");
     EXPECT_FLOAT_EQ(back.atoms[0].x, 1.235f);
-    EXPECT_EQ(readFile(out).find("HETATM    5  N   GLY A  -3"), kVersion.size() + 4 * 81 + 37);
     pdbFree(&back);
 }
 
 TEST_F(WriterTest, RemarksModelFramingAndEnd) {
-    ASSERT_EQ(read(kTwoModels), 0);
+    ASSERT_EQ(read(pdbText({{1, " N  ", "GLY", 'A', 1, 1, 2, 3}, {2, " CA ", "GLY", 'A', 2}}) +
+                   "END\n" + pdbText({{1, " N  ", "GLY", 'A', 1}, {2, " CA ", "GLY", 'A', 2}})),
+              0);
     const std::string out = path("out.pdb");
     std::string atoms[4];
     for (int i = 0; i < 4; i++) {
@@ -80,12 +76,13 @@ TEST_F(WriterTest, RemarksModelFramingAndEnd) {
     struct Case {
         const char* remark;
         int end;
-        const char* expectedHeader;
-    } cases[] = {{nullptr, 0, ""}, {"none", 1, nullptr}, {"Made here", 0, "REMARK Made here\n"}};
+        std::string expected;
+    } cases[] = {{nullptr, 0, kVersion + all},
+                 {"none", 1, all + "END\n"},
+                 {"Made here", 0, kVersion + "REMARK Made here\n" + all}};
     for (const Case& c : cases) {
         ASSERT_EQ(writePDB(out.c_str(), &pdb, nullptr, c.end, c.remark), 0);
-        std::string header = c.expectedHeader ? kVersion + c.expectedHeader : "";
-        EXPECT_EQ(readFile(out), header + all + (c.end ? "END\n" : "")) << c.end;
+        EXPECT_EQ(readFile(out), c.expected) << c.end;
     }
 
     setPDBUniqMode(1);  // only now are models framed
@@ -98,14 +95,6 @@ TEST_F(WriterTest, RemarksModelFramingAndEnd) {
     ASSERT_EQ(writePDB(out.c_str(), &pdb, &selection, 0, "None"), 0);
     EXPECT_EQ(readFile(out),
               "MODEL        1\n" + atoms[1] + "ENDMDL\nMODEL        2\n" + atoms[3] + "ENDMDL\n");
-    setPDBUniqMode(0);
-    selection.res1 = selection.resN = 9;
-    ASSERT_EQ(writePDB(out.c_str(), &pdb, &selection, 1, nullptr), 0);
-    EXPECT_EQ(readFile(out), kVersion + "END\n");
-
-    testing::internal::CaptureStdout();
-    ASSERT_EQ(writePDB("", &pdb, nullptr, 0, "NONE"), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), all);
 }
 
 TEST_F(WriterTest, OpenFailureAndMissingStructure) {
@@ -116,9 +105,6 @@ TEST_F(WriterTest, OpenFailureAndMissingStructure) {
     const std::string out = path("never.pdb");
     EXPECT_EQ(writePDB(out.c_str(), nullptr, nullptr, 1, nullptr), 0);
     EXPECT_EQ(access(out.c_str(), F_OK), -1);
-    ASSERT_EQ(read(""), 0);
-    ASSERT_EQ(writePDB(out.c_str(), &pdb, nullptr, 1, "None"), 0);
-    EXPECT_EQ(readFile(out), "END\n");
 }
 
 }  // namespace
