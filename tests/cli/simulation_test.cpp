@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -51,19 +52,6 @@ std::vector<std::string> atomLines(const std::string& path) {
     return atoms;
 }
 
-std::string joined(const std::vector<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines) text += line + "\n";
-    return text;
-}
-
-std::string between(const std::string& text, const std::string& from, const std::string& to) {
-    std::size_t a = text.find(from);
-    std::size_t b = text.find(to, a == std::string::npos ? 0 : a);
-    if (a == std::string::npos || b == std::string::npos) return "";
-    return text.substr(a, b - a);
-}
-
 // Standard error before the allocation balance, which must read In Use: 0.
 std::string errBody(const DCResult& r) {
     std::smatch m;
@@ -106,10 +94,7 @@ TEST(SimulationRun, OutputTableInBothColumnStyles) {
               {}, dir);
     EXPECT_EQ(r.out, "REMARK 6 Couplings Selected. Mode: (ResID I AND ResID J) Limits: 1 to 7.\n");
     EXPECT_TRUE(r.err.starts_with("REMARK DC Selection ResID Range: 2 to 4\nREMARK DC: "));
-    std::string table = readFile(dir + "/out.tab");
-    EXPECT_EQ(dataValue(table, "DATA N"), 6);
-    EXPECT_EQ(table.find("    1  GLY   CA"), std::string::npos);
-    EXPECT_EQ(table.find("    5  ALA    N"), std::string::npos);
+    EXPECT_EQ(dataValue(readFile(dir + "/out.tab"), "DATA N"), 6);
 }
 
 // The Saupe values of the tensor the couplings were made from (Da 5e-4,
@@ -128,7 +113,8 @@ TEST(SimulationRun, TensorBlockOfGivenSaupeValuesAndWithoutEuler) {
     EXPECT_EQ(r.out.substr(block + 1), readFile(kFixtures + "/saupe_mirror.txt"));
 
     r = runDC({"-pdb", "peptide.pdb", "-inD", "couplings.tab", "-noeuler", "-mirror"}, {}, dir);
-    EXPECT_EQ(between(r.out, "DATA TENSOR_MODE", "VARS"),
+    std::size_t from = r.out.find("DATA TENSOR_MODE");
+    EXPECT_EQ(r.out.substr(from, r.out.find("VARS", from) - from),
               "DATA TENSOR_MODE SVD (Order Matrix Method)\n\n"
               "DATA SAUPE  4.3463e-04  3.0108e-04  1.0987e-05  6.3523e-04  4.4993e-04\n"
               "DATA S_XYZ  0.0000e+00  0.0000e+00  0.0000e+00\n\n"
@@ -139,36 +125,32 @@ TEST(SimulationRun, TensorBlockOfGivenSaupeValuesAndWithoutEuler) {
     EXPECT_EQ(dataValue(r.out, "DATA Q_FACTOR"), 0.140);  // normalised by the start Da
 }
 
-struct Vec {
-    double x, y, z;
-};
+using Atoms = std::map<std::pair<int, std::string>, std::array<double, 3>>;
 
-// Atom positions of a PDB file by residue number and atom name; for later
-// models the first occurrence is kept.
-std::map<std::pair<int, std::string>, Vec> readAtoms(const std::string& path) {
-    std::map<std::pair<int, std::string>, Vec> atoms;
+// Atom positions of a PDB file by residue number and atom name.
+Atoms readAtoms(const std::string& path) {
+    Atoms atoms;
     for (const std::string& l : atomLines(path)) {
-        std::string name = l.substr(12, 4);
-        name.erase(0, name.find_first_not_of(' '));
-        name.erase(name.find_last_not_of(' ') + 1);
-        Vec v{std::atof(l.substr(30, 8).c_str()), std::atof(l.substr(38, 8).c_str()),
-              std::atof(l.substr(46, 8).c_str())};
-        atoms.emplace(std::make_pair(std::atoi(l.substr(22, 4).c_str()), name), v);
+        std::istringstream name(l.substr(12, 4));
+        std::pair<int, std::string> key(std::atoi(l.substr(22, 4).c_str()), "");
+        name >> key.second;
+        atoms[key] = {std::atof(l.substr(30, 8).c_str()), std::atof(l.substr(38, 8).c_str()),
+                      std::atof(l.substr(46, 8).c_str())};
     }
     return atoms;
 }
 
 // The five order-matrix basis terms of a coupling; a glycine HA# coupling
 // sums both alpha protons.
-std::vector<double> basis(const std::map<std::pair<int, std::string>, Vec>& atoms, int res,
-                          const std::string& nameI, const std::string& nameJ) {
+std::vector<double> basis(const Atoms& atoms, int res, const std::string& nameI,
+                          const std::string& nameJ) {
     std::vector<std::string> names = {nameJ};
     if (nameJ == "HA#") names = {"HA2", "HA3"};
     std::vector<double> b(5, 0.0);
-    const Vec a = atoms.at({res, nameI});
+    const auto& a = atoms.at({res, nameI});
     for (const std::string& name : names) {
-        const Vec c = atoms.at({res, name});
-        double dx = a.x - c.x, dy = a.y - c.y, dz = a.z - c.z;
+        const auto& c = atoms.at({res, name});
+        double dx = a[0] - c[0], dy = a[1] - c[1], dz = a[2] - c[2];
         double r = std::sqrt(dx * dx + dy * dy + dz * dz);
         double x = dx / r, y = dy / r, z = dz / r;
         const double terms[5] = {0.5 * (3 * z * z - 1), 0.5 * (x * x - y * y), 2 * x * y, 2 * x * z,
@@ -198,42 +180,33 @@ std::vector<double> solve5(std::vector<std::vector<double>> m, std::vector<doubl
     return y;
 }
 
-struct OutputRow {
-    int res;
-    std::string atomI, atomJ;
-    double di, dObs, dCalc, dd;
-};
-
-// The rows of a table written with observed and calculated columns.
-std::vector<OutputRow> verboseRows(const std::string& table) {
-    std::vector<OutputRow> rows;
-    for (const std::string& l : lines(table.substr(table.find("FORMAT ")))) {
-        std::istringstream in(l);
-        OutputRow row;
-        std::string resName, diff, w;
-        int resJ;
-        if (in >> row.res >> resName >> row.atomI >> resJ >> resName >> row.atomJ >> row.di >>
-            row.dObs >> row.dCalc >> diff >> row.dd >> w) {
-            rows.push_back(row);
-        }
-    }
-    return rows;
-}
-
 // The fit must be the least-squares solution of the rows scaled by |DI|/DD.
 TEST(SimulationRun, FitAgreesWithAnIndependentLeastSquaresSolution) {
     std::string dir = scratchDir("sim_lsq");
     DCResult r = runDC({"-pdb", kHafpA, "-inD", kHafpTable, "-verb", "-outD", dir + "/fit.tab"});
     ASSERT_EQ(r.status, 0) << r.err;
     std::string table = readFile(dir + "/fit.tab");
-    std::vector<OutputRow> rows = verboseRows(table);
+    struct Row {
+        int res;
+        std::string atomI, atomJ;
+        double di, dObs, dCalc, dd;
+    };
+    std::vector<Row> rows;  // the rows with observed and calculated columns
+    for (const std::string& l : lines(table.substr(table.find("FORMAT ")))) {
+        std::istringstream in(l);
+        Row row;
+        std::string skip;
+        if (in >> row.res >> skip >> row.atomI >> skip >> skip >> row.atomJ >> row.di >> row.dObs >>
+            row.dCalc >> skip >> row.dd) {
+            rows.push_back(row);
+        }
+    }
     ASSERT_EQ(rows.size(), 42u);
 
-    auto atoms = readAtoms(kHafpA);
-    std::vector<std::vector<double>> normal(5, std::vector<double>(5, 0.0));
+    Atoms atoms = readAtoms(kHafpA);
+    std::vector<std::vector<double>> normal(5, std::vector<double>(5, 0.0)), design;
     std::vector<double> rhs(5, 0.0);
-    std::vector<std::vector<double>> design;
-    for (const OutputRow& row : rows) {
+    for (const Row& row : rows) {
         design.push_back(basis(atoms, row.res, row.atomI, row.atomJ));
         double f = std::fabs(row.di) / row.dd;
         for (int p = 0; p < 5; p++) {
@@ -263,17 +236,9 @@ TEST(SimulationRun, ResidueOffsetLaysTheTableOnStructureNumbers) {
     DCResult plain = runDC({"-pdb", kHafpA, "-inD", kHafpTable, "-verb"});
     DCResult moved = runDC(
         {"-pdb", dir + "/shifted.pdb", "-inD", kHafpTable, "-verb", "-a1", "101", "-r1", "1"});
-    EXPECT_EQ(moved.status, 0);
-    EXPECT_TRUE(moved.out.starts_with(
-        "REMARK 42 Couplings Selected. Mode: Max(ResID I, ResID J) Limits: 1 to 23.\n"));
     EXPECT_NE(moved.out.find(" Residues 101 to 124, 24 total.\n"), std::string::npos);
     EXPECT_EQ(moved.out.substr(moved.out.find("DATA N ")),
               plain.out.substr(plain.out.find("DATA N ")));
-
-    // Without the offset nothing maps.
-    DCResult unmapped = runDC({"-pdb", dir + "/shifted.pdb", "-inD", kHafpTable, "-r1", "1"});
-    EXPECT_NE(unmapped.err.find("REMARK D_N:  0 D_RMS:  0.000 D_CHI2:  0.000\n"),
-              std::string::npos);
 }
 
 // Later models are duplicates of the first: every lookup finds model 1.
@@ -285,10 +250,13 @@ TEST(SimulationRun, TwoModelFileFitsItsFirstModel) {
     for (const std::string& l : lines(readFile(kHafpTable))) {
         if (l.find("HA#") == std::string::npos) table += l + "\n";
     }
-    std::vector<std::string> second = atomLines(kHafpB);
     writeFile(dir + "/plain.tab", table);
-    writeFile(dir + "/two.pdb", "MODEL        1\n" + joined(atomLines(kHafpA)) +
-                                    "ENDMDL\nMODEL        2\n" + joined(second) + "ENDMDL\nEND\n");
+    std::vector<std::string> second = atomLines(kHafpB);
+    std::string models = "MODEL        1\n";
+    for (const std::string& l : atomLines(kHafpA)) models += l + "\n";
+    models += "ENDMDL\nMODEL        2\n";
+    for (const std::string& l : second) models += l + "\n";
+    writeFile(dir + "/two.pdb", models + "ENDMDL\nEND\n");
 
     DCResult one = runDC({"-pdb", kHafpA, "-inD", dir + "/plain.tab", "-verb"});
     DCResult two = runDC({"-pdb", dir + "/two.pdb", "-inD", dir + "/plain.tab", "-verb"});
@@ -326,10 +294,12 @@ TEST(SimulationRun, MissingStructureOrTables) {
               "REMARK 0 Couplings Selected. Mode: Max(ResID I, ResID J) Limits: 0 to 1000000.\n");
     EXPECT_EQ(r.err, "\nREMARK Memory Allocation Status. Reused: 0 In Use: 0\n");
 
-    r = runDC({"-pdb", "peptide.pdb", "-inD", "nosuch.tab"}, {}, dir);
+    // A missing table fails before the structure is read.
+    r = runDC({"-pdb", "x.pdb", "-inD", "missing.tab"}, {}, dir);
     EXPECT_NE(r.status, 0);
     EXPECT_EQ(r.out, "");
-    EXPECT_NE(r.err.find("DC Error Reading D Values in nosuch.tab\n"), std::string::npos);
+    EXPECT_EQ(errBody(r),
+              "RdTable File open error: missing.tab.\nDC Error Reading D Values in missing.tab\n");
 }
 
 // The demonstration data: couplings made from a known tensor with noise.
@@ -339,14 +309,9 @@ TEST(SimulationRun, DemoRecoversTheTensorItWasMadeFrom) {
     DCResult r = runDC(
         {"-pdb", "peptide.pdb", "-inD", "couplings.tab", "-outD", "fitted.tab", "-verb"}, {}, dir);
     EXPECT_EQ(r.status, 0);
-    EXPECT_TRUE(std::regex_match(
-        r.out, std::regex("REMARK 32 Couplings Selected\\. Mode: Max\\(ResID I, ResID J\\) "
-                          "Limits: 2 to 18\\.\n")))
-        << r.out;
-    EXPECT_TRUE(std::regex_search(
-        r.err, std::regex("^REMARK DC: couplings\\.tab PDB: peptide\\.pdb Residues 1 to 18, 18 "
-                          "total\\.\nREMARK D_N:  32 D_RMS:  0\\.\\d{3} D_CHI2:  \\d+\\.\\d{3}\n\n"
-                          "REMARK Memory Allocation Status\\. Reused: \\d+ In Use: 0\n$")))
+    EXPECT_EQ(r.out,
+              "REMARK 32 Couplings Selected. Mode: Max(ResID I, ResID J) Limits: 2 to 18.\n");
+    EXPECT_TRUE(std::regex_search(errBody(r), std::regex("\nREMARK D_N:  32 D_RMS:  0\\.\\d{3} ")))
         << r.err;
     std::string table = readFile(dir + "/fitted.tab");
     EXPECT_NEAR(dataValue(table, "DATA Da"), 5.0e-4, 0.03 * 5.0e-4);

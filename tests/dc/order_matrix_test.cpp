@@ -1,29 +1,26 @@
+// The alignment tensor: the order-matrix fit on a real structure and the
+// Euler angles of the tensor frame.
 #include "dc/order_matrix.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <string>
 #include <vector>
 
-#include "dc/dipolar.h"
+#include "dc/euler.h"
 #include "dc/map_dc.h"
-#include "dc/read_dc.h"
+#include "dc_test_util.h"
 #include "fit/fit_driver.h"
 #include "pdb/pdb_types.h"
-#include "pdb/reader.h"
-#include "pdb/structure.h"
-#include "support/run_dc.h"
-#include "tensor_reference.h"
-#include "util/alloc.h"
 
 namespace {
 
+using namespace dctest;
 using reference::Coefficients;
 
-const char kStructure[] = DC_SHARED_DATA "/hafp_a.pdb";
-const char kTable[] = DC_SHARED_DATA "/hafp_nh_caha.tab";
 // A methyl group against its carbon: three vectors.
 const char kMethylRow[] = "    5    ALA     CB     5    ALA    HB#     0.000     1.600 1.00\n";
 constexpr double kMethyl = 0.927321;
@@ -56,60 +53,46 @@ double coupling(const DCValue& v, const float c[5]) {
     return d * std::fabs(v.di) * methylFactor(v);
 }
 
-class OrderMatrix : public testing::Test {
+// The real table plus a methyl row on the real structure, observations made
+// from a known tensor.
+class OrderMatrix : public CouplingTest {
   protected:
     static constexpr float kDa = 5e-4f, kDr = 2e-4f;
     const Coefficients truth = reference::coefficients(kDa, kDr, reference::rotation(10, 20, 30));
-    PDBData pdb, copy;
-    DTab tab;
-    int64_t startBytes = 0;
 
     void SetUp() override {
-        getMemUsed(&startBytes, nullptr);
-        pdbNull(&pdb);
-        pdbNull(&copy);
-        dTabNull(&tab);
-        ASSERT_EQ(readPDB(kStructure, &pdb, nullptr), 0);
-        ASSERT_EQ(readPDB(kStructure, &copy, nullptr), 0);
-        std::string path = scratchDir("order_matrix") + "/couplings.tab";
-        writeFile(path, readFile(kTable) + kMethylRow);
-        ASSERT_EQ(readDC(path.c_str(), &tab, 0), 0);
-        ASSERT_EQ(tab.count, 43);
-        ASSERT_EQ(buildDC(&pdb, &tab, 0, 0, nullptr, 0, 1), tab.count);
-        for (int i = 0; i < tab.count; i++) {
-            ASSERT_NE(tab.couplings[i].di, 0.0f);
-            tab.couplings[i].dObs = static_cast<float>(coupling(tab.couplings[i], truth.data()));
+        CouplingTest::SetUp();
+        load(0, kModelA);
+        load(1, kModelA);
+        ASSERT_EQ(readText(readFile(kRealTable) + kMethylRow), 0);
+        ASSERT_EQ(table.count, 43);
+        ASSERT_EQ(buildDC(&pdbs[0], &table, 0, 0, nullptr, 0, 1), table.count);
+        for (int i = 0; i < table.count; i++) {
+            DCValue& v = table.couplings[i];
+            ASSERT_NE(v.di, 0.0f);
+            v.dObs = static_cast<float>(coupling(v, truth.data()));
         }
     }
-    void TearDown() override {
-        dTabFree(&tab);
-        pdbFree(&pdb);
-        pdbFree(&copy);
-        dipolarFree();
-        int64_t inUse = 0;
-        getMemUsed(&inUse, nullptr);
-        EXPECT_EQ(inUse, startBytes);
-    }
     DCValue& row(int resid, const char* atomJ) {
-        for (int i = 0; i < tab.count; i++) {
-            DCValue& v = tab.couplings[i];
+        for (int i = 0; i < table.count; i++) {
+            DCValue& v = table.couplings[i];
             if (v.residI == resid && std::strcmp(v.atomNameJ, atomJ) == 0) return v;
         }
         ADD_FAILURE() << "no row " << resid << " " << atomJ;
-        return tab.couplings[0];
+        return table.couplings[0];
     }
-    int fit() { return fitD(&pdb, &tab, 0, 0); }
+    int fit() { return fitD(&pdbs[0], &table, 0, 0); }
     std::vector<float> calculated() const {
         std::vector<float> d;
-        for (int i = 0; i < tab.count; i++) d.push_back(tab.couplings[i].dCalc);
+        for (int i = 0; i < table.count; i++) d.push_back(table.couplings[i].dCalc);
         return d;
     }
 };
 
 TEST_F(OrderMatrix, RecoversAKnownTensorOnARealStructure) {
-    ASSERT_EQ(fit(), tab.count);
-    EXPECT_EQ(tab.svdCount, tab.count);
-    const DTensor& t = tab.tensor;
+    ASSERT_EQ(fit(), table.count);
+    EXPECT_EQ(table.svdCount, table.count);
+    const DTensor& t = table.tensor;
     for (int k = 0; k < 5; k++) EXPECT_NEAR(t.saupe[k], truth[k], 1e-4 * kDa) << k;
     EXPECT_NEAR(t.da, kDa, 1e-4 * kDa);
     EXPECT_NEAR(t.dr, kDr, 1e-4 * kDa);
@@ -118,29 +101,26 @@ TEST_F(OrderMatrix, RecoversAKnownTensorOnARealStructure) {
     EXPECT_NEAR(t.rySolutions[0], 20, 0.05);
     EXPECT_NEAR(t.rzSolutions[0], 30, 0.05);
     // Every row, glycine HA# pairs and the methyl group included, comes back.
-    for (int i = 0; i < tab.count; i++) {
-        const DCValue& v = tab.couplings[i];
+    for (int i = 0; i < table.count; i++) {
+        const DCValue& v = table.couplings[i];
         EXPECT_NEAR(v.dCalc, v.dObs, 2e-3 + 1e-4 * std::fabs(v.dObs)) << v.residI << v.atomNameJ;
     }
-}
 
-TEST_F(OrderMatrix, TwoIdenticalStructuresGiveTheSameFit) {
-    ASSERT_EQ(fit(), tab.count);
+    // Two identical structures give the same fit.
     Coefficients single;
-    std::memcpy(single.data(), tab.tensor.saupe, sizeof single);
+    std::memcpy(single.data(), t.saupe, sizeof single);
     std::vector<float> singleD = calculated();
-
-    PDBData* list[2] = {&pdb, &copy};
-    ASSERT_EQ(buildDCN(list, 2, &tab, 0, 0, nullptr, 0, 1), tab.count);
-    ASSERT_EQ(fitDN(list, 2, &tab, 0, 0), tab.count);
-    EXPECT_EQ(tab.pdbCount, 2);
-    for (int k = 0; k < 5; k++) EXPECT_NEAR(tab.tensor.saupe[k], single[k], 1e-6 * kDa);
+    PDBData* list[2] = {&pdbs[0], &pdbs[1]};
+    ASSERT_EQ(buildDCN(list, 2, &table, 0, 0, nullptr, 0, 1), table.count);
+    ASSERT_EQ(fitDN(list, 2, &table, 0, 0), table.count);
+    EXPECT_EQ(table.pdbCount, 2);
+    for (int k = 0; k < 5; k++) EXPECT_NEAR(t.saupe[k], single[k], 1e-6 * kDa);
     std::vector<float> pairD = calculated();
-    for (int i = 0; i < tab.count; i++) EXPECT_NEAR(pairD[i], singleD[i], 1e-4) << i;
+    for (int i = 0; i < table.count; i++) EXPECT_NEAR(pairD[i], singleD[i], 1e-4) << i;
 }
 
 // Each design row is |DI|/DD times the basis sum (methyl groups also times
-// 0.927321) against D/DD; DD = 0 or DI = 0 leave the row unscaled.
+// 0.927321); DD = 0 or DI = 0 leave the row unscaled, W = 0 leaves it out.
 TEST_F(OrderMatrix, DesignRowsScalingAndExcludedRows) {
     row(6, "H").dd = 0;
     row(7, "H").di = 0;
@@ -152,12 +132,10 @@ TEST_F(OrderMatrix, DesignRowsScalingAndExcludedRows) {
     shortRow.atomsJ[0]->y = shortRow.atomsI[0]->y + 0.004f;
     shortRow.atomsJ[0]->z = shortRow.atomsI[0]->z;
 
-    ASSERT_EQ(fit(), tab.count - 1);
-    ASSERT_EQ(getSaupeS(&tab), tab.count - 1);
-    const float* rhs = dipolarValues();
-    int k = 0;
-    for (int i = 0; i < tab.count; i++) {
-        const DCValue& v = tab.couplings[i];
+    ASSERT_EQ(fit(), table.count - 1);
+    ASSERT_EQ(getSaupeS(&table), table.count - 1);  // refills the design rows
+    for (int i = 0; i < table.count; i++) {
+        const DCValue& v = table.couplings[i];
         SCOPED_TRACE(testing::Message() << v.residI << " " << v.atomNameJ);
         if (&v == &unused) {
             EXPECT_EQ(v.dCalc, 9999.0f);
@@ -169,90 +147,123 @@ TEST_F(OrderMatrix, DesignRowsScalingAndExcludedRows) {
         std::array<double, 5> b = basisSum(v);
         for (int n = 0; n < 5; n++) EXPECT_NEAR(v.result[n], f * b[n], 1e-5 * f);
         EXPECT_EQ(v.result[5], v.countI * v.countJ);
-        double expectedRhs = v.di == 0 ? 0 : scaled ? v.dObs / v.dd : v.dObs / std::fabs(v.di);
-        EXPECT_NEAR(rhs[k], expectedRhs, 1e-5 * std::fabs(expectedRhs) + 1e-9);
-        EXPECT_NEAR(v.dCalc, coupling(v, tab.tensor.saupe), 1e-4 + 1e-5 * std::fabs(v.dCalc));
-        k++;
+        EXPECT_NEAR(v.dCalc, coupling(v, table.tensor.saupe), 1e-4 + 1e-5 * std::fabs(v.dCalc));
     }
     EXPECT_EQ(row(5, "HB#").result[5], 3);
     EXPECT_EQ(row(4, "HA#").result[5], 2);
-
-    // The direct back-calculation gives the same couplings.
-    std::vector<float> before = calculated();
-    updateD(&tab, tab.tensor.saupe);
-    for (int i = 0; i < tab.count; i++) {
-        const DCValue& v = tab.couplings[i];
-        EXPECT_NEAR(v.dCalc, before[i], 1e-4 + 1e-5 * std::fabs(before[i])) << i;
-        if (&v != &unused) {
-            EXPECT_EQ(v.result[5], v.countI * v.countJ + 1);
-        }
-    }
 }
 
-TEST_F(OrderMatrix, GivenSaupeValuesAreBackCalculatedWithoutAFit) {
-    for (int method : {2, 6, 7}) {
-        tab.tensor.method = method;
-        for (int k = 0; k < 5; k++) tab.tensor.saupeGiven[k] = 2 * truth[k];
-        ASSERT_EQ(fit(), tab.count);
-        for (int k = 0; k < 5; k++) EXPECT_EQ(tab.tensor.saupe[k], 2 * truth[k]);
-        EXPECT_NEAR(tab.tensor.da, 2 * kDa, 1e-6 * kDa);
-        for (int i = 0; i < tab.count; i++) {
-            const DCValue& v = tab.couplings[i];
-            EXPECT_NEAR(v.dCalc, 2 * v.dObs, 1e-3 + 1e-5 * std::fabs(v.dObs));
-        }
-    }
-    tab.tensor.method = 8;  // no such method: nothing fitted
-    tab.svdCount = 5;
-    EXPECT_EQ(fit(), 0);
-    EXPECT_EQ(tab.svdCount, 0);
-    EXPECT_EQ(fitD(nullptr, &tab, 0, 0), 0);
-    EXPECT_EQ(fitDN(nullptr, 1, &tab, 0, 0), 0);
-}
-
-// Solves the 3 x 3 system m y = r by Cramer's rule.
-std::array<double, 3> solve3(const double m[3][3], const double r[3]) {
-    std::array<double, 3> y{};
-    for (int c = 0; c < 3; c++) {
-        double t[3][3];
-        for (int i = 0; i < 3; i++)
-            for (int j = 0; j < 3; j++) t[i][j] = j == c ? r[i] : m[i][j];
-        y[c] = reference::determinant(t) / reference::determinant(m);
-    }
-    return y;
-}
-
-TEST_F(OrderMatrix, FewerThanFiveCouplingsGiveTheMinimumNormSolution) {
+TEST_F(OrderMatrix, FewerThanFiveCouplingsAreFittedExactly) {
     std::vector<DCValue*> kept = {&row(5, "H"), &row(6, "H"), &row(9, "H")};
-    for (int i = 0; i < tab.count; i++) tab.couplings[i].use = 0;
+    for (int i = 0; i < table.count; i++) table.couplings[i].use = 0;
     for (DCValue* v : kept) v->use = 1;
     ASSERT_EQ(fit(), 3);
 
-    // Minimum norm: c = A^T (A A^T)^-1 b over the three scaled rows.
-    double a[3][5], b[3], aat[3][3];
-    for (int r = 0; r < 3; r++) {
-        std::array<double, 5> basis = basisSum(*kept[r]);
-        for (int k = 0; k < 5; k++) a[r][k] = basis[k] * std::fabs(kept[r]->di) / kept[r]->dd;
-        b[r] = kept[r]->dObs / kept[r]->dd;
-    }
-    for (int r = 0; r < 3; r++)
-        for (int s = 0; s < 3; s++) {
-            aat[r][s] = 0;
-            for (int k = 0; k < 5; k++) aat[r][s] += a[r][k] * a[s][k];
-        }
-    std::array<double, 3> y = solve3(aat, b);
-    for (int k = 0; k < 5; k++) {
-        double expected = a[0][k] * y[0] + a[1][k] * y[1] + a[2][k] * y[2];
-        EXPECT_NEAR(tab.tensor.saupe[k], expected, 1e-3 * kDa) << k;
-    }
     for (DCValue* v : kept) EXPECT_NEAR(v->dCalc, v->dObs, 1e-3);
 
     // Nothing left to fit: the coefficients stay 0 and nothing is calculated.
-    for (int i = 0; i < tab.count; i++) tab.couplings[i].use = 1;
-    ASSERT_EQ(buildDC(&pdb, &tab, 0, 0, nullptr, 0, 1), tab.count);
-    for (int i = 0; i < tab.count; i++) tab.couplings[i].use = 0;
+    for (int i = 0; i < table.count; i++) table.couplings[i].use = 1;
+    ASSERT_EQ(buildDC(&pdbs[0], &table, 0, 0, nullptr, 0, 1), table.count);
+    for (int i = 0; i < table.count; i++) table.couplings[i].use = 0;
     EXPECT_EQ(fit(), 0);
-    for (int k = 0; k < 5; k++) EXPECT_EQ(tab.tensor.saupe[k], 0.0f);
-    for (int i = 0; i < tab.count; i++) EXPECT_EQ(tab.couplings[i].dCalc, 9999.0f);
+    for (int k = 0; k < 5; k++) EXPECT_EQ(table.tensor.saupe[k], 0.0f);
+    for (int i = 0; i < table.count; i++) EXPECT_EQ(table.couplings[i].dCalc, 9999.0f);
+}
+
+using reference::Mat3;
+
+struct Angles {
+    float psi, theta, phi;
+};
+
+struct Extracted {
+    int count;
+    float psi[8], theta[8], phi[8];
+    float principal[3], sorted[3], rotation[4][4], da, dr;
+    Angles at(int i) const { return {psi[i], theta[i], phi[i]}; }
+};
+
+Extracted extract(const Coefficients& c) {
+    Extracted e{};
+    e.count = saupe2euler(c.data(), e.psi, e.theta, e.phi, e.principal, e.sorted, e.rotation, &e.da,
+                          &e.dr);
+    return e;
+}
+
+bool sameAngles(Angles a, Angles b, float tolerance = 0.05f) {
+    return std::fabs(a.psi - b.psi) < tolerance && std::fabs(a.theta - b.theta) < tolerance &&
+           std::fabs(a.phi - b.phi) < tolerance;
+}
+
+// Every solution of saupe2euler must give back the same order matrix; with
+// distinct principal values that means the generating frame or its turn by
+// 180 degrees about one of its axes (the eigenvector signs are free). The
+// solutions come smallest angles first.
+TEST(EulerAngles, RoundTripThroughTheOrderMatrix) {
+    const float da = 1.0e-3f, dr = 3.0e-4f;
+    const std::vector<Angles> inputs = {
+        {10, 20, 30}, {-45, 30, 120}, {170, -60, -100}, {5, 80, 45}, {-120, -35, 60}};
+    for (Angles in : inputs) {
+        SCOPED_TRACE(testing::Message() << in.psi << " " << in.theta << " " << in.phi);
+        Coefficients c;
+        euler2saupe2(c.data(), in.psi, in.theta, in.phi, 0, 0, 0, da, dr);
+        Coefficients expected =
+            reference::coefficients(da, dr, reference::rotation(in.psi, in.theta, in.phi));
+        for (int i = 0; i < 5; i++) EXPECT_NEAR(c[i], expected[i], 1e-8);
+
+        Extracted e = extract(c);
+        ASSERT_GE(e.count, 1);
+        EXPECT_NEAR(e.da, da, 1e-8);
+        EXPECT_NEAR(e.dr, dr, 1e-8);
+        for (int s = 0; s < e.count; s++) {
+            Angles a = e.at(s);
+            EXPECT_TRUE(a.psi > -180 && a.psi <= 180 && a.theta > -180 && a.theta <= 180 &&
+                        a.phi > -180 && a.phi <= 180);
+            Coefficients back =
+                reference::coefficients(e.da, e.dr, reference::rotation(a.psi, a.theta, a.phi));
+            for (int i = 0; i < 5; i++) EXPECT_NEAR(back[i], c[i], 2e-6) << "solution " << s;
+            if (s > 0) {
+                Angles p = e.at(s - 1);
+                EXPECT_LE(p.psi * p.psi + p.theta * p.theta + p.phi * p.phi,
+                          a.psi * a.psi + a.theta * a.theta + a.phi * a.phi);
+            }
+        }
+    }
+    // Where the eigenvector signs fall that way the input itself comes back.
+    Extracted first = extract(reference::coefficients(da, dr, reference::rotation(10, 20, 30)));
+    EXPECT_TRUE(sameAngles(first.at(0), {10, 20, 30}));
+    Extracted second =
+        extract(reference::coefficients(da, dr, reference::rotation(170, -60, -100)));
+    EXPECT_TRUE(sameAngles(second.at(1), {170, -60, -100}));
+
+    Extracted failed = extract({0, 0, std::numeric_limits<float>::quiet_NaN(), 0, 0});
+    EXPECT_EQ(failed.count, 0);  // the diagonalisation never converges
+    EXPECT_EQ(failed.da + failed.dr, 0);
+}
+
+// At theta = +-90 degrees psi and phi are not separable: the two solutions
+// lie 0.256 degrees either side; the identity gives 0 and its equivalent set.
+TEST(EulerAngles, GimbalLockAndIdentity) {
+    const float near = static_cast<float>(1.5663242 * 180 / M_PI);  // 89.744
+    const float far = static_cast<float>(1.5752684 * 180 / M_PI);   // 90.256
+    struct Case {
+        Angles in, first, second;
+    };
+    const Case cases[] = {
+        {{30, 90, 0}, {30, near, 0}, {30, far, 0}},        // R20 = -1
+        {{40, -90, 0}, {-140, -near, 0}, {140, -far, 0}},  // R20 = +1, R02 = -cos 40
+        {{0, 0, 0}, {0, 0, 0}, {180, 180, 180}},
+    };
+    for (const Case& c : cases) {
+        Mat3 m = reference::rotation(c.in.psi, c.in.theta, c.in.phi);
+        float r[4][4], psi[8], theta[8], phi[8];
+        for (int i = 0; i < 4; i++)
+            for (int j = 0; j < 4; j++) r[i][j] = i < 3 && j < 3 ? float(m[i][j]) : i == j;
+        ASSERT_EQ(rot2euler(r, psi, theta, phi), 2);
+        EXPECT_TRUE(sameAngles({psi[0], theta[0], phi[0]}, c.first, 1e-3f)) << c.in.theta;
+        EXPECT_TRUE(sameAngles({psi[1], theta[1], phi[1]}, c.second, 1e-3f)) << c.in.theta;
+        for (int i = 2; i < 8; i++) EXPECT_EQ(psi[i] + theta[i] + phi[i], 0.0f);
+    }
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <set>
-#include <string>
 #include <vector>
 
 #include "dc/dtab.h"
@@ -17,9 +16,8 @@ using testing::internal::GetCapturedStderr;
 
 struct Row {
     int i, j;
-    const char* chain;
-    const char* seg;
     float d;
+    const char *chain = "", *seg = "";
 };
 
 std::vector<DCValue> makeCouplings(const std::vector<Row>& rows) {
@@ -45,25 +43,35 @@ std::set<int> selected(const std::vector<DCValue>& v) {
     return rows;
 }
 
-// Pairs chosen so that every mode keeps a different set for the range 3..4;
-// row 4 has no observation and row 5 lies outside.
-const std::vector<Row> kPairs = {{3, 3, "", "", 1.0f},     {2, 3, "", "", 1.0f},
-                                 {4, 6, "", "", 1.0f},     {1, 5, "", "", 1.0f},
-                                 {3, 4, "", "", 99999.0f}, {6, 7, "", "", 1.0f}};
-
-TEST(CouplingSelection, RangeModesTestTheirResidues) {
-    std::vector<DCValue> v = makeCouplings(kPairs);
+// Pairs chosen so that every mode keeps a different set for the range 3..4,
+// given as numbers or as text; row 4 has no observation and row 5 lies outside.
+TEST(CouplingSelection, RangeModesSkipListsAndTheirReportTexts) {
+    std::vector<DCValue> v =
+        makeCouplings({{3, 3, 1}, {2, 3, 1}, {4, 6, 1}, {1, 5, 1}, {3, 4, 99999}, {6, 7, 1}});
     const int n = static_cast<int>(v.size());
-    EXPECT_EQ(selectD(v.data(), n, 3, 4, kSelectBoth), 1);
-    EXPECT_EQ(selected(v), (std::set<int>{0}));
-    EXPECT_EQ(selectD(v.data(), n, 3, 4, kSelectEither), 3);
-    EXPECT_EQ(selected(v), (std::set<int>{0, 1, 2}));
-    EXPECT_EQ(selectD(v.data(), n, 3, 4, kSelectMin), 2);
-    EXPECT_EQ(selected(v), (std::set<int>{0, 2}));
-    EXPECT_EQ(selectD(v.data(), n, 3, 4, kSelectMax), 2);
-    EXPECT_EQ(selected(v), (std::set<int>{0, 1}));
-    EXPECT_EQ(selectD(v.data(), n, 3, 4, 9), 2);  // an unknown mode tests as 4
-    EXPECT_EQ(selected(v), (std::set<int>{0, 1}));
+    struct Case {
+        int mode;
+        std::set<int> rows;
+        const char* text;
+    };
+    const Case cases[] = {
+        {kSelectBoth, {0}, "(ResID I AND ResID J) Limits: 2 to 30"},
+        {kSelectEither, {0, 1, 2}, "(ResID I OR ResID J) Limits: 2 to 30"},
+        {kSelectMin, {0, 2}, "Min(ResID I, ResID J) Limits: 2 to 30"},
+        {kSelectMax, {0, 1}, "Max(ResID I, ResID J) Limits: 2 to 30"},
+        {9, {0, 1}, "Unknown Selection Mode"},  // an unknown mode selects as Max
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(selectD(v.data(), n, 3, 4, c.mode), static_cast<int>(c.rows.size()));
+        EXPECT_EQ(selected(v), c.rows) << c.mode;
+        CaptureStderr();  // the same range as selection text
+        EXPECT_EQ(strSelectD(v.data(), n, "3 to 4", c.mode), static_cast<int>(c.rows.size()));
+        GetCapturedStderr();
+        EXPECT_EQ(selected(v), c.rows) << c.mode;
+        char text[1024];
+        EXPECT_EQ(getDCSelectStr(c.mode, 2, 30, text), c.mode == 9);
+        EXPECT_STREQ(text, c.text);
+    }
     // The whole range still leaves out the row without an observation.
     EXPECT_EQ(selectD(v.data(), n, -100, 100, kSelectBoth), 5);
     EXPECT_EQ(v[4].use, 0);
@@ -75,24 +83,8 @@ TEST(CouplingSelection, RangeModesTestTheirResidues) {
     EXPECT_EQ(strSelectD(v.data(), n, "3", kSelectEither), 2);
     EXPECT_EQ(selected(v), (std::set<int>{0, 1}));
     EXPECT_EQ(GetCapturedStderr(), "REMARK DC Selection ResID 3\nREMARK DC Selection ResID 3\n");
-}
 
-TEST(CouplingSelection, ModeTextsForTheReport) {
-    char text[1024];
-    const char* expected[] = {
-        "(ResID I AND ResID J) Limits: 2 to 30", "(ResID I OR ResID J) Limits: 2 to 30",
-        "Min(ResID I, ResID J) Limits: 2 to 30", "Max(ResID I, ResID J) Limits: 2 to 30"};
-    for (int mode = 1; mode <= 4; mode++) {
-        EXPECT_EQ(getDCSelectStr(mode, 2, 30, text), 0);
-        EXPECT_STREQ(text, expected[mode - 1]);
-    }
-    EXPECT_EQ(getDCSelectStr(0, 2, 30, text), 1);
-    EXPECT_STREQ(text, "Unknown Selection Mode");
-}
-
-TEST(CouplingSelection, SkipListDropsCouplingsTouchingAResidue) {
-    std::vector<DCValue> v = makeCouplings(kPairs);
-    const int n = static_cast<int>(v.size());
+    // A skip list drops every coupling touching one of its residues.
     int count = selectD(v.data(), n, 1, 7, kSelectEither);
     ASSERT_EQ(count, 5);
     EXPECT_EQ(skipD(v.data(), n, nullptr, 0, 42), 42);  // no list: count passed through
@@ -104,10 +96,10 @@ TEST(CouplingSelection, SkipListDropsCouplingsTouchingAResidue) {
 // Chain A and B, segments S1 and S2; the last row has no observation but
 // still counts for "first" and "last".
 const std::vector<Row> kChains = {
-    {3, 3, "A", "S1", 1.0f},   {8, 8, "A", "S1", 1.0f},   {15, 15, "A", "S1", 1.0f},
-    {25, 25, "A", "S1", 1.0f}, {35, 35, "A", "S1", 1.0f}, {45, 45, "A", "S1", 1.0f},
-    {2, 2, "B", "S2", 1.0f},   {12, 12, "B", "S2", 1.0f}, {25, 25, "B", "S2", 1.0f},
-    {45, 45, "B", "S2", 1.0f}, {55, 55, "B", "S2", 1.0f}, {60, 60, "B", "S2", 99999.0f}};
+    {3, 3, 1, "A", "S1"},   {8, 8, 1, "A", "S1"},   {15, 15, 1, "A", "S1"},
+    {25, 25, 1, "A", "S1"}, {35, 35, 1, "A", "S1"}, {45, 45, 1, "A", "S1"},
+    {2, 2, 1, "B", "S2"},   {12, 12, 1, "B", "S2"}, {25, 25, 1, "B", "S2"},
+    {45, 45, 1, "B", "S2"}, {55, 55, 1, "B", "S2"}, {60, 60, 99999, "B", "S2"}};
 
 struct TextCase {
     const char* text;
@@ -132,7 +124,6 @@ TEST(CouplingSelection, SelectionTextsSelectTheUnionOfTheirRanges) {
         {"chain A FIRST to Last",
          {0, 1, 2, 3, 4, 5},
          "REMARK DC Selection ResID Range: 3 to 45 Chain: A\n"},
-        {"chain C first-last", {}, "REMARK DC Selection ResID 0 Chain: C\n"},
         {"10 to 5", {1}, "REMARK DC Selection ResID Range: 10 to 5\n"},
         {"seg S2 none 12,25",
          {7, 8},
@@ -149,10 +140,6 @@ TEST(CouplingSelection, SelectionTextsSelectTheUnionOfTheirRanges) {
          {0, 1},
          "DC Select Warning: Bad Range Specification at Location 1: 3-8\n"
          "REMARK DC Selection ResID Range: 3 to 8\n"},
-        {"2 to 12-15",
-         {2, 7},
-         "DC Select Warning: Bad Range Specification at Location 3: 12-15\n"
-         "REMARK DC Selection ResID Range: 12 to 15\n"},
     };
     std::vector<DCValue> v = makeCouplings(kChains);
     const int n = static_cast<int>(v.size());
@@ -173,52 +160,6 @@ TEST(CouplingSelection, SelectionTextsSelectTheUnionOfTheirRanges) {
     EXPECT_EQ(strSelectD(v.data(), n, "3 to 8 20 to 30", kSelectBoth), 4);
     EXPECT_EQ(strSelectD(v.data(), n, "x-y", kSelectBoth), 0);
     GetCapturedStderr();
-    // An empty text or table changes nothing.
-    selectD(v.data(), n, 0, 100, kSelectMax);
-    EXPECT_EQ(strSelectD(v.data(), n, "", kSelectBoth), 0);
-    EXPECT_EQ(strSelectD(v.data(), 0, "3", kSelectBoth), 0);
-    EXPECT_EQ(selected(v).size(), 11u);
-}
-
-TEST(CouplingSelection, RangeAddsToTheSelectionWithChainAndSegmentFilters) {
-    std::vector<Row> rows = kChains;
-    rows.push_back({20, 30, "A", "S1", 1.0f});
-    std::vector<DCValue> v = makeCouplings(rows);
-    const int n = static_cast<int>(v.size());
-    for (DCValue& c : v) c.use = 0;
-    // Reversed ends, either-residue mode: 20..30 catches the 20-30 pair and
-    // both residue 25 rows.
-    EXPECT_EQ(selectDRange(v.data(), n, 30, 20, "*", "*", kSelectEither), 3);
-    // Row 12 (A 20-30) counts again; chain b matches case-insensitively.
-    EXPECT_EQ(selectDRange(v.data(), n, 40, 60, "b", "*", kSelectBoth), 5);
-    EXPECT_EQ(selected(v), (std::set<int>{3, 8, 9, 10, 12}));
-    // Segment S1 with mode 1 needs both ends inside; mode 3 only the smaller.
-    for (DCValue& c : v) c.use = 0;
-    EXPECT_EQ(selectDRange(v.data(), n, 20, 25, "*", "S1", kSelectBoth), 1);
-    EXPECT_EQ(selectDRange(v.data(), n, 20, 25, "*", "s1", kSelectMin), 2);
-    EXPECT_EQ(selected(v), (std::set<int>{3, 12}));
-}
-
-TEST(CouplingSelection, FirstAndLastFollowTheFilters) {
-    std::vector<Row> rows = {{7, 30, "A", "", 1.0f}, {12, 4, "B", "", 1.0f}};
-    std::vector<DCValue> v = makeCouplings(rows);
-    copyName(v[1].chainI, "A");  // only its I side (12) is in chain A
-    struct Pick {
-        bool last;
-        const char* word;
-        const char* chain;
-        const char* result;
-    };
-    const Pick picks[] = {
-        {false, "first", "*", "4"}, {true, "LAST", "*", "30"},    {false, "first", "B", "4"},
-        {true, "last", "B", "4"},   {true, "last", "a", "30"},    {false, "First", "A", "7"},
-        {false, "first", "Z", "0"}, {false, "last", "*", "last"}, {true, "17", "*", "17"}};
-    for (const Pick& p : picks) {
-        char token[1024];
-        copyText(token, sizeof token, p.word);
-        (p.last ? getDCSelLast : getDCSelFirst)(token, v.data(), 2, p.chain, "*");
-        EXPECT_STREQ(token, p.result) << p.word << " " << p.chain;
-    }
 }
 
 }  // namespace

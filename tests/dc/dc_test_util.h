@@ -1,14 +1,16 @@
-// Shared pieces of the coupling-table tests: the dipolar formula worked out
-// independently, tables and structures read from scratch files, and the
-// allocation balance.
+// Shared pieces of the coupling tests: the dipolar formula and the order
+// matrix of a known tensor worked out independently in double precision,
+// tables and structures read from scratch files, and the allocation balance.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <string>
 
+#include "dc/dipolar.h"
 #include "dc/dtab.h"
 #include "dc/read_dc.h"
 #include "pdb/modes.h"
@@ -36,6 +38,9 @@ inline int64_t inUse() {
     return bytes;
 }
 
+inline const std::string kRealTable = DC_SHARED_DATA "/hafp_nh_caha.tab";
+inline const std::string kModelA = DC_SHARED_DATA "/hafp_a.pdb";
+
 // Resets the structure library's switches and remembers the balance; the
 // test fails when it does not return to it.
 class CouplingTest : public testing::Test {
@@ -50,6 +55,7 @@ class CouplingTest : public testing::Test {
     void TearDown() override {
         dTabFree(&table);
         for (PDBData& p : pdbs) pdbFree(&p);
+        dipolarFree();
         EXPECT_EQ(inUse(), start_);
     }
 
@@ -77,7 +83,51 @@ class CouplingTest : public testing::Test {
     int64_t start_ = 0;
 };
 
-inline const std::string kRealTable = DC_SHARED_DATA "/hafp_nh_caha.tab";
-inline const std::string kModelA = DC_SHARED_DATA "/hafp_a.pdb";
-
 }  // namespace dctest
+
+namespace reference {
+
+using Mat3 = std::array<std::array<double, 3>, 3>;
+using Coefficients = std::array<float, 5>;
+
+inline Mat3 multiply(const Mat3& a, const Mat3& b) {
+    Mat3 p{};
+    for (int i = 0; i < 3; i++)
+        for (int j = 0; j < 3; j++)
+            for (int k = 0; k < 3; k++) p[i][j] += a[i][k] * b[k][j];
+    return p;
+}
+
+// Rz(phi) Ry(theta) Rx(psi), in degrees: structure coordinates onto the
+// tensor frame.
+inline Mat3 rotation(double psi, double theta, double phi) {
+    auto axis = [](int n, double degrees) {
+        double a = degrees * M_PI / 180.0, c = std::cos(a), s = std::sin(a);
+        int i = (n + 1) % 3, j = (n + 2) % 3;
+        Mat3 r{};
+        r[n][n] = 1.0;
+        r[i][i] = r[j][j] = c;
+        r[i][j] = -s;
+        r[j][i] = s;
+        return r;
+    };
+    return multiply(axis(2, phi), multiply(axis(1, theta), axis(0, psi)));
+}
+
+// c1..c5 of S = R^T diag(-Da + 1.5 Dr, -Da - 1.5 Dr, 2 Da) R.
+inline Coefficients coefficients(double da, double dr, const Mat3& r) {
+    const double d[3] = {-da + 1.5 * dr, -da - 1.5 * dr, 2.0 * da};
+    Mat3 s{};
+    for (int i = 0; i < 3; i++)
+        for (int j = 0; j < 3; j++)
+            for (int k = 0; k < 3; k++) s[i][j] += r[k][i] * d[k] * r[k][j];
+    return {static_cast<float>(s[2][2]), static_cast<float>(s[0][0] - s[1][1]),
+            static_cast<float>(s[0][1]), static_cast<float>(s[0][2]), static_cast<float>(s[1][2])};
+}
+
+// The five basis terms of a (unit) vector.
+inline std::array<double, 5> basis(double x, double y, double z) {
+    return {0.5 * (3 * z * z - 1), 0.5 * (x * x - y * y), 2 * x * y, 2 * x * z, 2 * y * z};
+}
+
+}  // namespace reference
