@@ -1,6 +1,7 @@
 #include "pdb/reader.h"
 
 #include <strings.h>
+#include <sys/stat.h>
 
 #include <cstdio>
 #include <cstring>
@@ -131,6 +132,14 @@ bool readLines(FILE* stream, PDBData* pdb, const PDBSelect* selection, ReadCount
     return ok;
 }
 
+// A directory opens for reading on some systems but holds no lines: it is
+// refused like a file that cannot be opened.
+FILE* openRegularFile(const char* path) {
+    struct stat info;
+    if (stat(path, &info) == 0 && S_ISDIR(info.st_mode)) return nullptr;
+    return std::fopen(path, "r");
+}
+
 }  // namespace
 
 int readPDB(const char* path, PDBData* pdb, const PDBSelect* selection) {
@@ -140,7 +149,7 @@ int readPDB(const char* path, PDBData* pdb, const PDBSelect* selection) {
         return 1;
     }
     bool useStdin = !path || !path[0];
-    FILE* stream = useStdin ? stdin : std::fopen(path, "r");
+    FILE* stream = useStdin ? stdin : openRegularFile(path);
     if (!stream) {
         std::fprintf(stderr, "PDB Error opening PDB file %s\n", path);
         return 1;

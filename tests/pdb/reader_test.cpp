@@ -126,6 +126,12 @@ TEST_F(ReaderTest, MalformedInputNeverBreaksTheStructure) {
     EXPECT_EQ(readPDB("/nonexistent/none.pdb", &pdb, nullptr), 1);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "PDB Error opening PDB file /nonexistent/none.pdb\n");
+    pdbFree(&pdb);
+    // A directory is no structure file, even where it opens for reading.
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(readPDB("/", &pdb, nullptr), 1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "PDB Error opening PDB file /\n");
+    pdbFree(&pdb);
 }
 
 TEST_F(ReaderTest, ListsGrowPastTheirFirstSize) {
