@@ -31,16 +31,20 @@ bool usable(const HSymTab* tab) {
     return tab && tab->buckets && tab->nBuckets > 0;
 }
 
-HSym* findInChain(HSym* head, const char* name) {
+HSym* findInChain(HSym* head, const char* name, unsigned long hash) {
     for (HSym* sym = head; sym; sym = sym->next) {
-        if (sym->name[0] == name[0] && std::strcmp(sym->name, name) == 0) return sym;
+        if (sym->hash == hash && std::strcmp(sym->name, name) == 0) return sym;
     }
     return nullptr;
 }
 
+int bucketOf(unsigned long hash, int nBuckets) {
+    return static_cast<int>(hash % static_cast<unsigned long>(nBuckets));
+}
+
 // Puts sym in front of its bucket; everything already there moves one deeper.
 void linkAtHead(HSym* sym, HSymTab* tab) {
-    HSym*& head = tab->buckets[hSymNameLoc(sym->name, tab->nBuckets)];
+    HSym*& head = tab->buckets[bucketOf(sym->hash, tab->nBuckets)];
     int deepest = 0;
     for (HSym* other = head; other; other = other->next) deepest = ++other->depth;
     sym->next = head;
@@ -57,11 +61,12 @@ void unlink(HSym* sym) {
     if (sym->prev) {
         sym->prev->next = sym->next;
     } else if (usable(tab)) {
-        HSym*& head = tab->buckets[hSymNameLoc(sym->name, tab->nBuckets)];
+        HSym*& head = tab->buckets[bucketOf(sym->hash, tab->nBuckets)];
         if (head == sym) head = sym->next;
     }
     if (tab) tab->nSyms--;
     sym->next = sym->prev = nullptr;
+    sym->hash = 0;
     sym->tab = nullptr;
 }
 
@@ -160,6 +165,7 @@ HSym* hAddSym(const char* name, int type, HSymTab* tab) {
         unAlloc64(kTag, sym, sizeof(HSym));
         return nullptr;
     }
+    sym->hash = elfHash(sym->name);
     sym->id = ++lastID;
     sym->type = type;
     sym->tab = tab;
@@ -179,7 +185,8 @@ HSym* hFindOrAddSym(const char* name, int type, HSymTab* tab) {
 HSym* hFindSym(const char* name, const HSymTab* tab) {
     if (!usable(tab)) return nullptr;
     name = orEmpty(name);
-    return findInChain(tab->buckets[hSymNameLoc(name, tab->nBuckets)], name);
+    unsigned long hash = elfHash(name);
+    return findInChain(tab->buckets[bucketOf(hash, tab->nBuckets)], name, hash);
 }
 
 int hSymExists(const char* name, const HSymTab* tab) {

@@ -40,6 +40,9 @@ struct HSym {
     HSym* next;
     HSym* prev;
     HSymTab* tab;  // owning table
+    // The name's full hash, so that a lookup compares names only when the
+    // hashes agree (long chains stay cheap).
+    unsigned long hash;
 };
 
 struct HSymTab {
