@@ -85,13 +85,20 @@ void readSwitches(int argc, char** argv, RunSettings* s) {
         int value;
     };
     const Switch switches[] = {
-        {"-excl", &s->inclMode, kInclExclusive}, {"-incl", &s->inclMode, kInclAll},
-        {"-inclAll", &s->inclMode, kInclAll},    {"-inclMin", &s->inclMode, kInclMin},
-        {"-inclMax", &s->inclMode, kInclMax},    {"-constRMS", &s->constRMS, 1},
-        {"-noconstRMS", &s->constRMS, 0},        {"-mirror", &s->mirror, 1},
-        {"-nomirror", &s->mirror, 0},            {"-bb", &s->bbFlag, 1},
-        {"-nobb", &s->bbFlag, 0},                {"-fixedDI", &s->fixedDI, 1},
-        {"-nofixedDI", &s->fixedDI, 0},          {"-keepDI", &s->keepDI, 1},
+        {"-excl", &s->inclMode, kInclExclusive},
+        {"-incl", &s->inclMode, kInclAll},
+        {"-inclAll", &s->inclMode, kInclAll},
+        {"-inclMin", &s->inclMode, kInclMin},
+        {"-inclMax", &s->inclMode, kInclMax},
+        {"-constRMS", &s->constRMS, 1},
+        {"-noconstRMS", &s->constRMS, 0},
+        {"-mirror", &s->mirror, 1},
+        {"-nomirror", &s->mirror, 0},
+        {"-bb", &s->bbFlag, 1},
+        {"-nobb", &s->bbFlag, 0},
+        {"-fixedDI", &s->fixedDI, 1},
+        {"-nofixedDI", &s->fixedDI, 0},
+        {"-keepDI", &s->keepDI, 1},
         {"-nokeepDI", &s->keepDI, 0},
     };
     for (const Switch& option : switches) {

@@ -5,9 +5,9 @@
 #include "dc/dtab.h"
 
 enum ParamsStatus {
-    kParamsOk = 0,        // the run may go on
-    kParamsUsage = 1,     // the usage text was printed
-    kParamsVersion = 2,   // the version lines were printed; exit 0 at once
+    kParamsOk = 0,       // the run may go on
+    kParamsUsage = 1,    // the usage text was printed
+    kParamsVersion = 2,  // the version lines were printed; exit 0 at once
 };
 
 // Reads every option (and the PDBH_DIR, PDBH_LIST and SURF_DIR environment

@@ -36,9 +36,7 @@ double seconds(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-char chainName(int c) {
-    return static_cast<char>('A' + c);
-}
+char chainName(int c) { return static_cast<char>('A' + c); }
 
 bool writeStructure(const std::string& path) {
     FILE* f = std::fopen(path.c_str(), "w");

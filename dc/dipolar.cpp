@@ -99,11 +99,10 @@ struct MethylPair {
 // The ILE CD row names its proton-first partner "HD1", which holds no "#"
 // and so never matches.
 const MethylPair kMethyls[] = {
-    {"ALA", "CB", "HB#", "HB#"},     {"ILE", "CD", "HD#", "HD1"},
-    {"ILE", "CD1", "HD1#", "HD1#"},  {"ILE", "CG2", "HG2#", "HG2#"},
-    {"LEU", "CD1", "HD1#", "HD1#"},  {"LEU", "CD2", "HD2#", "HD2#"},
-    {"MET", "CE", "HE#", "HE#"},     {"THR", "CG2", "HG2#", "HG2#"},
-    {"VAL", "CG1", "HG1#", "HG1#"},  {"VAL", "CG2", "HG2#", "HG2#"},
+    {"ALA", "CB", "HB#", "HB#"},    {"ILE", "CD", "HD#", "HD1"},    {"ILE", "CD1", "HD1#", "HD1#"},
+    {"ILE", "CG2", "HG2#", "HG2#"}, {"LEU", "CD1", "HD1#", "HD1#"}, {"LEU", "CD2", "HD2#", "HD2#"},
+    {"MET", "CE", "HE#", "HE#"},    {"THR", "CG2", "HG2#", "HG2#"}, {"VAL", "CG1", "HG1#", "HG1#"},
+    {"VAL", "CG2", "HG2#", "HG2#"},
 };
 
 bool isPseudoProton(const char* name) {
@@ -167,10 +166,9 @@ int findVariableDI(int residI, const char* resNameI, const char* atomI, int resi
 }
 
 int findFixedDI(int residI, const char* resNameI, const char* atomI, int residJ,
-                const char* resNameJ, const char* atomJ, float* di, int* bondType,
-                int* fixedFlag) {
-    return findVariableDI(residI, resNameI, atomI, residJ, resNameJ, atomJ, di, fixedFlag,
-                          bondType, 1, 0.0f);
+                const char* resNameJ, const char* atomJ, float* di, int* bondType, int* fixedFlag) {
+    return findVariableDI(residI, resNameI, atomI, residJ, resNameJ, atomJ, di, fixedFlag, bondType,
+                          1, 0.0f);
 }
 
 int findDCDI(DCValue* v, int residI, int residJ, int useFixed) {

@@ -14,8 +14,7 @@ int findVariableDI(int residI, const char* resNameI, const char* atomI, int resi
                    int* bondType, int useFixed, float distance);
 // The fixed-geometry form; note the output order: bond type before fixed flag.
 int findFixedDI(int residI, const char* resNameI, const char* atomI, int residJ,
-                const char* resNameJ, const char* atomJ, float* di, int* bondType,
-                int* fixedFlag);
+                const char* resNameJ, const char* atomJ, float* di, int* bondType, int* fixedFlag);
 // Sets DI in use, the DI fixed flag and the bond type of a mapped coupling.
 int findDCDI(DCValue* value, int residI, int residJ, int useFixed);
 // 1 for a methyl carbon with its pseudo-proton (either order) in residue resName.

@@ -32,10 +32,10 @@ enum BondType {
 
 struct DCValue {
     int index;
-    int absFlag;     // compare absolute values
-    int listed;      // set for every row read from a table
-    int mapped;      // both atoms (or atom groups) found in the structure
-    int use;         // takes part in fits and statistics
+    int absFlag;  // compare absolute values
+    int listed;   // set for every row read from a table
+    int mapped;   // both atoms (or atom groups) found in the structure
+    int use;      // takes part in fits and statistics
     int bondType;
     int residI, residJ;
     char resNameI[kNameSize], resNameJ[kNameSize];

@@ -221,8 +221,12 @@ int eulerTest(const float r[4][4], float psi, float theta, float phi) {
     float cp = fcos(psi), sp = fsin(psi);
     float ct = fcos(theta), st = fsin(theta);
     float cf = fcos(phi), sf = fsin(phi);
-    const float expected[6] = {ct * cf,           cf * st * sp - sf * cp, cf * st * cp + sf * sp,
-                               sf * st * sp + cf * cp, sf * st * cp - cf * sp, ct * cp};
+    const float expected[6] = {ct * cf,
+                               cf * st * sp - sf * cp,
+                               cf * st * cp + sf * sp,
+                               sf * st * sp + cf * cp,
+                               sf * st * cp - cf * sp,
+                               ct * cp};
     const float given[6] = {r[0][0], r[0][1], r[0][2], r[1][1], r[1][2], r[2][2]};
     for (int i = 0; i < 6; i++) {
         if (std::fabs(expected[i] - given[i]) > 0.0005f) return 0;
@@ -351,8 +355,8 @@ void getSaupeAngle(const float c1[5], const float c2[5], float* cosine) {
     *cosine = ab / fsqrt(norms);
 }
 
-int euler2euler(float psi[8], float theta[8], float phi[8], float psi1, float theta1,
-                float phi1, float psi2, float theta2, float phi2) {
+int euler2euler(float psi[8], float theta[8], float phi[8], float psi1, float theta1, float phi1,
+                float psi2, float theta2, float phi2) {
     pdb3dReset();
     pdb3dAppendRotation0(psi1, theta1, phi1);
     pdb3dAppendRotation0(psi2, theta2, phi2);

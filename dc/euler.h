@@ -37,8 +37,8 @@ void euler2saupe(float c[5], float, float, float, float, float, float psi, float
 // Normalised inner product of two order matrices.
 void getSaupeAngle(const float c1[5], const float c2[5], float* cosine);
 // The Euler solutions of rotation 1 followed by rotation 2.
-int euler2euler(float psi[8], float theta[8], float phi[8], float psi1, float theta1,
-                float phi1, float psi2, float theta2, float phi2);
+int euler2euler(float psi[8], float theta[8], float phi[8], float psi1, float theta1, float phi1,
+                float psi2, float theta2, float phi2);
 
 // The symmetric order matrix of the five coefficients.
 void saupeMatrix(const float c[5], float s[3][3]);

@@ -17,9 +17,9 @@ int fitDSVD(PDBData** pdbs, int count, DTab* dTab, int unused) {
     findD(dTab, t->saupe, t->saupeErr, used);
     getSaupeD(dTab);
     if (t->euler) {
-        t->solutionCount = saupe2euler(t->saupe, t->rxSolutions, t->rySolutions, t->rzSolutions,
-                                       t->principal, t->sortedPrincipal, t->rotation, &t->da,
-                                       &t->dr);
+        t->solutionCount =
+            saupe2euler(t->saupe, t->rxSolutions, t->rySolutions, t->rzSolutions, t->principal,
+                        t->sortedPrincipal, t->rotation, &t->da, &t->dr);
     }
     return used;
 }

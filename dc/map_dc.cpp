@@ -113,8 +113,8 @@ int mapDCInfo(PDBData* pdb, DTab* dTab, int residOffset, int warn) {
     return mapDCInfoN(pdb ? list : nullptr, 1, dTab, residOffset, warn);
 }
 
-int permuteDC(PDBData** pdbs, int count, DTab* dTab, const int* newResids,
-              const int* oldResids, int residCount, int useFixed) {
+int permuteDC(PDBData** pdbs, int count, DTab* dTab, const int* newResids, const int* oldResids,
+              int residCount, int useFixed) {
     if (!dTab || !pdbs || count < 1 || !pdbs[0] || !dTab->couplings) return 0;
     int mapped = 0;
     for (int i = 0; i < dTab->count; i++) {

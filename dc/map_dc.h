@@ -26,5 +26,5 @@ int mapDCInfoN(PDBData** pdbs, int count, DTab* dTab, int residOffset, int warn)
 int mapDCInfo(PDBData* pdb, DTab* dTab, int residOffset, int warn);
 // Maps couplings after renumbering residues oldResids[k] as newResids[k];
 // returns the number mapped.
-int permuteDC(PDBData** pdbs, int count, DTab* dTab, const int* newResids,
-              const int* oldResids, int residCount, int useFixed);
+int permuteDC(PDBData** pdbs, int count, DTab* dTab, const int* newResids, const int* oldResids,
+              int residCount, int useFixed);

@@ -13,9 +13,7 @@ constexpr float kShortVector = 0.01f;
 // Offsets of the workspace blocks, in units of nv = structures x NVEC.
 enum Block { kX = 0, kY = 1, kZ = 2, kDICopy = 3, kDI = 4, kDObs = 5, kDD = 6 };
 
-int structureCount(const DTab* dTab) {
-    return dTab->pdbCount > 1 ? dTab->pdbCount : 1;
-}
+int structureCount(const DTab* dTab) { return dTab->pdbCount > 1 ? dTab->pdbCount : 1; }
 
 float* block(DTab* dTab, Block which) {
     return dTab->realWork + static_cast<long>(which) * structureCount(dTab) * dTab->nvec;

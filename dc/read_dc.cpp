@@ -180,9 +180,9 @@ int getAtomTabLocs(const TabVar* vars, int varCount, const char* suffix, int* re
     return 0;
 }
 
-int getAtomTabVals(const TabVar* vars, int varCount, const float* row, int residLoc,
-                   int resnameLoc, int atomnameLoc, int chainnameLoc, int segnameLoc, int* resid,
-                   char* resname, char* atomname, char* chainname, char* segname) {
+int getAtomTabVals(const TabVar* vars, int varCount, const float* row, int residLoc, int resnameLoc,
+                   int atomnameLoc, int chainnameLoc, int segnameLoc, int* resid, char* resname,
+                   char* atomname, char* chainname, char* segname) {
     int found = 0;
     if (residLoc >= 0 && residLoc < varCount) {
         *resid = static_cast<int>(row[residLoc]);
@@ -216,8 +216,8 @@ int readDC(const char* fileName, DTab* dTab, int keepTableDI) {
         std::fprintf(stderr, "TESSERA Error allocating DC table header.\n");
         return 1;
     }
-    int status = rdTable2(fileName, &t.values, &t.columns, &t.rows, &t.vars, t.hdr, kTableNull,
-                          0, 1);
+    int status =
+        rdTable2(fileName, &t.values, &t.columns, &t.rows, &t.vars, t.hdr, kTableNull, 0, 1);
     if (status != 0) {
         t.release();
         return status;

@@ -16,6 +16,6 @@ int getAtomTabLocs(const TabVar* vars, int varCount, const char* suffix, int* re
                    int* resnameLoc, int* atomnameLoc, int* chainnameLoc, int* segnameLoc);
 // Fills what the row holds, names normalised; returns a bit set: 1 residue
 // ID, 2 atom name, 4 residue name, 8 chain, 16 segment.
-int getAtomTabVals(const TabVar* vars, int varCount, const float* row, int residLoc,
-                   int resnameLoc, int atomnameLoc, int chainnameLoc, int segnameLoc, int* resid,
-                   char* resname, char* atomname, char* chainname, char* segname);
+int getAtomTabVals(const TabVar* vars, int varCount, const float* row, int residLoc, int resnameLoc,
+                   int atomnameLoc, int chainnameLoc, int segnameLoc, int* resid, char* resname,
+                   char* atomname, char* chainname, char* segname);

@@ -9,28 +9,20 @@
 
 namespace {
 
-bool inRange(int value, int first, int last) {
-    return first <= value && value <= last;
-}
+bool inRange(int value, int first, int last) { return first <= value && value <= last; }
 
 bool passesMode(const DCValue& v, int first, int last, int mode) {
     int lo = v.residI < v.residJ ? v.residI : v.residJ;
     int hi = v.residI < v.residJ ? v.residJ : v.residI;
     switch (mode) {
-        case kSelectBoth:
-            return inRange(v.residI, first, last) && inRange(v.residJ, first, last);
-        case kSelectEither:
-            return inRange(v.residI, first, last) || inRange(v.residJ, first, last);
-        case kSelectMin:
-            return inRange(lo, first, last);
-        default:
-            return inRange(hi, first, last);
+        case kSelectBoth: return inRange(v.residI, first, last) && inRange(v.residJ, first, last);
+        case kSelectEither: return inRange(v.residI, first, last) || inRange(v.residJ, first, last);
+        case kSelectMin: return inRange(lo, first, last);
+        default: return inRange(hi, first, last);
     }
 }
 
-bool isAny(const char* filter) {
-    return std::strcmp(filter, "*") == 0;
-}
+bool isAny(const char* filter) { return std::strcmp(filter, "*") == 0; }
 
 bool sideMatches(const char* name, const char* filter) {
     return isAny(filter) || strcasecmp(name, filter) == 0;
@@ -100,18 +92,10 @@ int selectDRange(DCValue* couplings, int count, int a, int b, const char* chain,
         int hi = v.residI < v.residJ ? v.residJ : v.residI;
         bool match;
         switch (mode) {
-            case kSelectBoth:
-                match = a <= lo && hi <= b;
-                break;
-            case kSelectMin:
-                match = inRange(lo, a, b);
-                break;
-            case kSelectEither:
-                match = inRange(lo, a, b) || inRange(hi, a, b);
-                break;
-            default:
-                match = inRange(hi, a, b);
-                break;
+            case kSelectBoth: match = a <= lo && hi <= b; break;
+            case kSelectMin: match = inRange(lo, a, b); break;
+            case kSelectEither: match = inRange(lo, a, b) || inRange(hi, a, b); break;
+            default: match = inRange(hi, a, b); break;
         }
         if (!match) continue;
         v.use = 1;
@@ -137,21 +121,11 @@ int skipD(DCValue* couplings, int count, const int* residues, int residueCount, 
 int getDCSelectStr(int mode, int first, int last, char* buffer) {
     const char* format;
     switch (mode) {
-        case kSelectBoth:
-            format = "(ResID I AND ResID J) Limits: %d to %d";
-            break;
-        case kSelectEither:
-            format = "(ResID I OR ResID J) Limits: %d to %d";
-            break;
-        case kSelectMin:
-            format = "Min(ResID I, ResID J) Limits: %d to %d";
-            break;
-        case kSelectMax:
-            format = "Max(ResID I, ResID J) Limits: %d to %d";
-            break;
-        default:
-            std::sprintf(buffer, "Unknown Selection Mode");
-            return 1;
+        case kSelectBoth: format = "(ResID I AND ResID J) Limits: %d to %d"; break;
+        case kSelectEither: format = "(ResID I OR ResID J) Limits: %d to %d"; break;
+        case kSelectMin: format = "Min(ResID I, ResID J) Limits: %d to %d"; break;
+        case kSelectMax: format = "Max(ResID I, ResID J) Limits: %d to %d"; break;
+        default: std::sprintf(buffer, "Unknown Selection Mode"); return 1;
     }
     std::sprintf(buffer, format, first, last);
     return 0;

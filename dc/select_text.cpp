@@ -13,9 +13,7 @@ namespace {
 
 constexpr int kWordSize = 1024;
 
-bool isWord(const char* token, const char* word) {
-    return strcasecmp(token, word) == 0;
-}
+bool isWord(const char* token, const char* word) { return strcasecmp(token, word) == 0; }
 bool isSkipped(const char* token) {
     return isWord(token, "to") || isWord(token, "none") || std::strcmp(token, "-") == 0;
 }

@@ -26,8 +26,8 @@ float tableScale(float reference, const DTab* dTab) {
 
 using StatFunction = int (*)(const DCValue*, int, float*, float*, float*, int*, float);
 
-int statOverList(DTab* const* list, StatFunction stat, float* rms, float* rmsScaled,
-                 float* chiSq, int* nObs) {
+int statOverList(DTab* const* list, StatFunction stat, float* rms, float* rmsScaled, float* chiSq,
+                 int* nObs) {
     float sumSq = 0.0f, sumSqScaled = 0.0f, chi = 0.0f;
     int n = 0, observed = 0;
     if (list && list[0]) {
@@ -54,8 +54,8 @@ void accumulate(float d, const DCValue& v, float scale, float* sumSq, float* sum
 
 }  // namespace
 
-int getStatDC2(const DCValue* couplings, int count, float* sumSq, float* sumSqScaled,
-               float* chiSq, int* n, float scale) {
+int getStatDC2(const DCValue* couplings, int count, float* sumSq, float* sumSqScaled, float* chiSq,
+               int* n, float scale) {
     int observed = 0;
     for (int i = 0; couplings && i < count; i++) {
         const DCValue& v = couplings[i];
@@ -85,8 +85,8 @@ int getStatDCN(DTab* const* list, float* rms, float* rmsScaled, float* chiSq, in
     return statOverList(list, getStatDC2, rms, rmsScaled, chiSq, nObs);
 }
 
-int getStatDDC2(const DCValue* couplings, int count, float* sumSq, float* sumSqScaled,
-                float* chiSq, int* n, float scale) {
+int getStatDDC2(const DCValue* couplings, int count, float* sumSq, float* sumSqScaled, float* chiSq,
+                int* n, float scale) {
     int observed = 0;
     for (int i = 0; couplings && i < count; i++) {
         const DCValue& v = couplings[i];
@@ -171,8 +171,8 @@ int getStatDCScore(DTab* const* list, float* rms, float* rmsDiff, int* nObs) {
             findDDC(dTab->couplings, dTab->count);
             float sumSq = 0.0f, sumSqScaled = 0.0f, chi = 0.0f;
             int n = 0;
-            observed += getStatDC2(dTab->couplings, dTab->count, &sumSq, &sumSqScaled, &chi, &n,
-                                   scale);
+            observed +=
+                getStatDC2(dTab->couplings, dTab->count, &sumSq, &sumSqScaled, &chi, &n, scale);
             total += sumSq;
             float diffSq = 0.0f, diffScaled = 0.0f;
             getStatDDC2(dTab->couplings, dTab->count, &diffSq, &diffScaled, &chi, &n, scale);

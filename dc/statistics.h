@@ -11,14 +11,14 @@ constexpr int kDTabListSize = 32;
 constexpr float kDaHN = 21585.2f;
 
 // Adds to the accumulators; returns the rows with use flag and an observation.
-int getStatDC2(const DCValue* couplings, int count, float* sumSq, float* sumSqScaled,
-               float* chiSq, int* n, float scale);
+int getStatDC2(const DCValue* couplings, int count, float* sumSq, float* sumSqScaled, float* chiSq,
+               int* n, float scale);
 // rms over the rows with both values; returns as getStatDC2.
 int getStatDC(const DCValue* couplings, int count, float* rms, float* chiSq, int* n);
 // Over all tables of a list, each scaled to the first table's observed RMS.
 int getStatDCN(DTab* const* list, float* rms, float* rmsScaled, float* chiSq, int* nObs);
-int getStatDDC2(const DCValue* couplings, int count, float* sumSq, float* sumSqScaled,
-                float* chiSq, int* n, float scale);
+int getStatDDC2(const DCValue* couplings, int count, float* sumSq, float* sumSqScaled, float* chiSq,
+                int* n, float scale);
 int getStatDDCN(DTab* const* list, float* rms, float* rmsScaled, float* chiSq, int* nObs);
 // Q (over the observed values), Q from Da and rhombicity, and R. The result
 // and the count come out at twice the usable rows (both passes count them).

@@ -14,7 +14,7 @@ void readMethod(int argc, char** argv, DTensor* t) {
         const char* name;
         int method;
     };
-    static const Choice choices[] = {{"-svd", kMethodSVD}, {"-saupe", kMethodSaupe},
+    static const Choice choices[] = {{"-svd", kMethodSVD},     {"-saupe", kMethodSaupe},
                                      {"-align", kMethodSaupe}, {"-fit", kMethodFit},
                                      {"-fixed", kMethodFixed}, {"-nofixed", kMethodFit}};
     for (const Choice& choice : choices) {
@@ -137,8 +137,8 @@ void readLimits(int argc, char** argv, DTensor* t, UseCounts* uses) {
 }
 
 // An axis name, or else its angle name, fixes that rotation at its start value.
-void fixRotation(int argc, char** argv, const char* axisName, const char* angleName,
-                 float start, float* min, float* max, UseCounts* uses) {
+void fixRotation(int argc, char** argv, const char* axisName, const char* angleName, float start,
+                 float* min, float* max, UseCounts* uses) {
     if (argPresent(argc, argv, axisName) || argPresent(argc, argv, angleName)) {
         *min = *max = start;
         uses->fixed++;
@@ -222,7 +222,7 @@ void clampStartValues(DTensor* t) {
 int readGivenSaupe(int argc, char** argv, DTensor* t) {
     const char* name = argPresent(argc, argv, "-saupe")   ? "-saupe"
                        : argPresent(argc, argv, "-align") ? "-align"
-                                                       : nullptr;
+                                                          : nullptr;
     if (!name) return 0;
     if (fltArgDN(argc, argv, name, t->saupeGiven, 5) < 5) {
         std::fprintf(stderr, "TESSERA Error: %s option requires 5 values.\n", name);

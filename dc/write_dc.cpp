@@ -96,29 +96,18 @@ void writeFixedMode(FILE* out, const DTensor& t) {
 
 void writeTensorMode(FILE* out, const DTensor& t) {
     switch (t.method) {
-        case kMethodSVD:
-            std::fprintf(out, "\nDATA TENSOR_MODE SVD (Order Matrix Method)\n");
-            break;
+        case kMethodSVD: std::fprintf(out, "\nDATA TENSOR_MODE SVD (Order Matrix Method)\n"); break;
         case kMethodSaupe:
             std::fprintf(out, "\nDATA TENSOR_MODE SAUPE (Fixed Saupe Values)\n");
             break;
-        case kMethodFit:
-            writeFitMode(out, t);
-            break;
-        case kMethodGrid:
-            writeGridMode(out, t);
-            break;
-        case kMethodFixed:
-            writeFixedMode(out, t);
-            break;
-        case 6:
-            std::fprintf(out, "\nDATA TENSOR_MODE STERIC (Zweckstetter Method)\n");
-            break;
+        case kMethodFit: writeFitMode(out, t); break;
+        case kMethodGrid: writeGridMode(out, t); break;
+        case kMethodFixed: writeFixedMode(out, t); break;
+        case 6: std::fprintf(out, "\nDATA TENSOR_MODE STERIC (Zweckstetter Method)\n"); break;
         case 7:
             std::fprintf(out, "\nDATA TENSOR_MODE ELECTROSTATIC (Zweckstetter Method)\n");
             break;
-        default:
-            break;
+        default: break;
     }
 }
 
@@ -159,9 +148,7 @@ void writeFormats(FILE* out, NameColumns names, int style) {
     }
 }
 
-const char* nameOrNone(const char* name) {
-    return name[0] ? name : "None";
-}
+const char* nameOrNone(const char* name) { return name[0] ? name : "None"; }
 
 void writeSide(FILE* out, NameColumns names, int resid, const char* resName, const char* atomName,
                const char* chain, const char* seg) {

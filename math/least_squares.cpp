@@ -40,12 +40,8 @@ LeastSquaresWork work;
 TransposedCopy transposed;
 float lastMaxW = 0.0f;
 
-int unknowns() {
-    return work.lastOrder + 1;
-}
-int vColumns() {
-    return std::max(work.lastM, unknowns());
-}
+int unknowns() { return work.lastOrder + 1; }
+int vColumns() { return std::max(work.lastM, unknowns()); }
 
 void freeSolverArrays() {
     int m = work.lastM;
@@ -146,9 +142,7 @@ void svdPolyFree() {
     lastMaxW = 0.0f;
 }
 
-float getSvdMaxW() {
-    return lastMaxW;
-}
+float getSvdMaxW() { return lastMaxW; }
 
 int svdLSMat(const float* a, const float* b, int m, int n, float* x, float* cov, int decompose) {
     if (!a || !b || !x || m < 0 || n < 1) {

@@ -11,15 +11,9 @@ const char kTag[] = "svd";
 // ranges give pointers inside the block.
 constexpr int64_t kEnd = 1;
 
-float* takeElements(float*, int64_t count) {
-    return fltMalloc64(kTag, count);
-}
-int* takeElements(int*, int64_t count) {
-    return intMalloc64(kTag, count);
-}
-double* takeElements(double*, int64_t count) {
-    return dFltMalloc64(kTag, count);
-}
+float* takeElements(float*, int64_t count) { return fltMalloc64(kTag, count); }
+int* takeElements(int*, int64_t count) { return intMalloc64(kTag, count); }
+double* takeElements(double*, int64_t count) { return dFltMalloc64(kTag, count); }
 
 // Element count of a range, or -1 (refused by the allocator) for a reversed one.
 int64_t blockCount(int64_t low, int64_t high, int64_t perElement) {
@@ -94,15 +88,9 @@ void nrerror(const char* message) {
     std::fprintf(stderr, "Aborting.\n");
 }
 
-float* vector(long nl, long nh) {
-    return allocVector<float>(nl, nh, "vector");
-}
-int* ivector(long nl, long nh) {
-    return allocVector<int>(nl, nh, "ivector");
-}
-double* dvector(long nl, long nh) {
-    return allocVector<double>(nl, nh, "dvector");
-}
+float* vector(long nl, long nh) { return allocVector<float>(nl, nh, "vector"); }
+int* ivector(long nl, long nh) { return allocVector<int>(nl, nh, "ivector"); }
+double* dvector(long nl, long nh) { return allocVector<double>(nl, nh, "dvector"); }
 
 float** matrix(long nrl, long nrh, long ncl, long nch) {
     return allocMatrix<float>(nrl, nrh, ncl, nch, "matrix");
@@ -114,15 +102,9 @@ double** dmatrix(long nrl, long nrh, long ncl, long nch) {
     return allocMatrix<double>(nrl, nrh, ncl, nch, "dmatrix");
 }
 
-void free_vector(float* v, long nl, long nh) {
-    freeVector(v, nl, nh);
-}
-void free_ivector(int* v, long nl, long nh) {
-    freeVector(v, nl, nh);
-}
-void free_dvector(double* v, long nl, long nh) {
-    freeVector(v, nl, nh);
-}
+void free_vector(float* v, long nl, long nh) { freeVector(v, nl, nh); }
+void free_ivector(int* v, long nl, long nh) { freeVector(v, nl, nh); }
+void free_dvector(double* v, long nl, long nh) { freeVector(v, nl, nh); }
 
 void free_matrix(float** m, long nrl, long nrh, long ncl, long nch) {
     freeMatrix(m, nrl, nrh, ncl, nch);
@@ -134,15 +116,9 @@ void free_dmatrix(double** m, long nrl, long nrh, long ncl, long nch) {
     freeMatrix(m, nrl, nrh, ncl, nch);
 }
 
-float* vector64(int64_t nl, int64_t nh) {
-    return allocVector<float>(nl, nh, "vector64");
-}
-int* ivector64(int64_t nl, int64_t nh) {
-    return allocVector<int>(nl, nh, "ivector64");
-}
-double* dvector64(int64_t nl, int64_t nh) {
-    return allocVector<double>(nl, nh, "dvector64");
-}
+float* vector64(int64_t nl, int64_t nh) { return allocVector<float>(nl, nh, "vector64"); }
+int* ivector64(int64_t nl, int64_t nh) { return allocVector<int>(nl, nh, "ivector64"); }
+double* dvector64(int64_t nl, int64_t nh) { return allocVector<double>(nl, nh, "dvector64"); }
 
 float** matrix64(int64_t nrl, int64_t nrh, int64_t ncl, int64_t nch) {
     return allocMatrix<float>(nrl, nrh, ncl, nch, "matrix64");
@@ -154,15 +130,9 @@ double** dmatrix64(int64_t nrl, int64_t nrh, int64_t ncl, int64_t nch) {
     return allocMatrix<double>(nrl, nrh, ncl, nch, "dmatrix64");
 }
 
-void free_vector64(float* v, int64_t nl, int64_t nh) {
-    freeVector(v, nl, nh);
-}
-void free_ivector64(int* v, int64_t nl, int64_t nh) {
-    freeVector(v, nl, nh);
-}
-void free_dvector64(double* v, int64_t nl, int64_t nh) {
-    freeVector(v, nl, nh);
-}
+void free_vector64(float* v, int64_t nl, int64_t nh) { freeVector(v, nl, nh); }
+void free_ivector64(int* v, int64_t nl, int64_t nh) { freeVector(v, nl, nh); }
+void free_dvector64(double* v, int64_t nl, int64_t nh) { freeVector(v, nl, nh); }
 
 void free_matrix64(float** m, int64_t nrl, int64_t nrh, int64_t ncl, int64_t nch) {
     freeMatrix(m, nrl, nrh, ncl, nch);

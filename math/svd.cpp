@@ -8,13 +8,9 @@ namespace {
 constexpr float kTiny = 1e-22f;
 constexpr int kMaxSweeps = 1000;
 
-bool isZero(float value) {
-    return std::fabs(value) <= kTiny;
-}
+bool isZero(float value) { return std::fabs(value) <= kTiny; }
 
-float rootD(float value) {
-    return static_cast<float>(std::sqrt(static_cast<double>(value)));
-}
+float rootD(float value) { return static_cast<float>(std::sqrt(static_cast<double>(value))); }
 
 // sqrt(a^2 + b^2); the double intermediate cannot overflow for float inputs.
 float hypotD(float a, float b) {

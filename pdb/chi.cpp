@@ -97,9 +97,7 @@ struct ChiMeasure {
 
 }  // namespace
 
-const ChiDef* chiTable() {
-    return kChiTable;
-}
+const ChiDef* chiTable() { return kChiTable; }
 
 int getPDBChi(const PDBData* pdb, int resID, const char* chain, const char* seg, float* values,
               const ChiDef** rows, const int* wanted, int* count) {

@@ -8,13 +8,9 @@ namespace {
 
 // The white space of the tokenizer: blank, tab, newline, vertical tab, form
 // feed and return.
-inline bool isBlank(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
+inline bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-inline bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
+inline bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Exact powers of ten: each is a double without rounding.
 constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,

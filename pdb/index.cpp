@@ -228,25 +228,22 @@ int insertAtom(PDBData* pdb, int atomIndex) {
 int insertRes(PDBData* pdb, const PDBAtom* atom) {
     char key[kKeySize];
     resKey(key, atom->resID, atom->chain, atom->seg);
-    return findOrInsert(pdb->resTable, key, "residiue", "PDB Residue Symbol Table Error.\n", [&] {
-        return getNextRes(pdb) ? pdb->resCount - 1 : -1;
-    });
+    return findOrInsert(pdb->resTable, key, "residiue", "PDB Residue Symbol Table Error.\n",
+                        [&] { return getNextRes(pdb) ? pdb->resCount - 1 : -1; });
 }
 
 int insertChain(PDBData* pdb, const PDBAtom* atom) {
     char key[kKeySize];
     chainKey(key, atom->chain, atom->seg);
-    return findOrInsert(pdb->chainTable, key, "chain", "PDB Chain Symbol Table Error.\n", [&] {
-        return getNextChain(pdb) ? pdb->chainCount - 1 : -1;
-    });
+    return findOrInsert(pdb->chainTable, key, "chain", "PDB Chain Symbol Table Error.\n",
+                        [&] { return getNextChain(pdb) ? pdb->chainCount - 1 : -1; });
 }
 
 int insertSeg(PDBData* pdb, const PDBAtom* atom) {
     char key[kKeySize];
     segKey(key, atom->seg, atom->chain);
-    return findOrInsert(pdb->segTable, key, "segment", "PDB Seg Symbol Table Error.\n", [&] {
-        return getNextSeg(pdb) ? pdb->segCount - 1 : -1;
-    });
+    return findOrInsert(pdb->segTable, key, "segment", "PDB Seg Symbol Table Error.\n",
+                        [&] { return getNextSeg(pdb) ? pdb->segCount - 1 : -1; });
 }
 
 int indexPDB(PDBData* pdb) {

@@ -10,16 +10,10 @@
 
 namespace {
 
-const char* chainPart(const char* chain) {
-    return getPDBChainMode() ? "" : chain;
-}
-const char* segPart(const char* seg) {
-    return getPDBSegMode() ? "" : seg;
-}
+const char* chainPart(const char* chain) { return getPDBChainMode() ? "" : chain; }
+const char* segPart(const char* seg) { return getPDBSegMode() ? "" : seg; }
 
-char firstOrBlank(const char* text) {
-    return text[0] ? text[0] : ' ';
-}
+char firstOrBlank(const char* text) { return text[0] ? text[0] : ' '; }
 
 // Builds key texts without the printf machinery (the indexer makes one for
 // every atom of a file); like snprintf it cuts a text at kKeySize - 1
@@ -97,9 +91,7 @@ void normalAtomKey(char* key, int resID, const char* atomName, const char* locID
     out.left(segPart(seg), 4);
 }
 
-const char* valueOrNone(const char* text) {
-    return text[0] ? text : "None";
-}
+const char* valueOrNone(const char* text) { return text[0] ? text : "None"; }
 
 void uniqueAtomKey(char* key, const PDBAtom* atom) {
     std::snprintf(

@@ -8,7 +8,9 @@
 
 namespace {
 
-int grownCapacity(int capacity, int first, int step) { return capacity < 1 ? first : capacity + step; }
+int grownCapacity(int capacity, int first, int step) {
+    return capacity < 1 ? first : capacity + step;
+}
 
 // Grows a record array so that one more record fits; new slots are made
 // fresh with makeNull. Returns false after the failure message.
@@ -70,8 +72,7 @@ PDBSegment* getNextSeg(PDBData* pdb) {
                       "PDB Error Allocating Seg memory.\n", segNull);
 }
 
-PDBAtom** getNextAtomPtr(PDBAtom*** list, int* count, int* capacity, int firstCapacity,
-                         int step) {
+PDBAtom** getNextAtomPtr(PDBAtom*** list, int* count, int* capacity, int firstCapacity, int step) {
     return nextRecord(list, count, capacity, firstCapacity, step,
                       "REMARK Expanding Atom Index List: %d atoms max.\n",
                       "PDB Error Allocating Atom Index memory.\n", nullPointer<PDBAtom>);

@@ -144,8 +144,8 @@ int findBestAtoms(const PDBData* pdb, int resID, const char* unused, const char*
         return 1;
     }
     if (!atomName || std::strlen(atomName) < 2) return 0;
-    const PDBResidue* residue = lookupState.usedResidue ? lookupState.residue
-                                                        : findRes(pdb, resID, chain, seg);
+    const PDBResidue* residue =
+        lookupState.usedResidue ? lookupState.residue : findRes(pdb, resID, chain, seg);
     int count = 0;
     for (int i = 0; residue && i < residue->atomCount && count < kMaxAtomMatches; i++) {
         const char* name = residue->atoms[i]->atomName;

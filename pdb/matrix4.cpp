@@ -20,9 +20,7 @@ CosSin cosSin(float degrees) {
 
 }  // namespace
 
-double degreesToRadians(double degrees) {
-    return degrees * kTruncatedPi / 180.0;
-}
+double degreesToRadians(double degrees) { return degrees * kTruncatedPi / 180.0; }
 
 void m4x4Copy(float* destination, const float* source) {
     std::memmove(destination, source, kSize * sizeof(float));

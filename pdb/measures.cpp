@@ -28,10 +28,10 @@ float massOfElement(const char* element) {
     };
     static const Mass kOneLetter[] = {{"H", 1},  {"B", 10}, {"C", 12}, {"N", 14}, {"O", 16},
                                       {"F", 19}, {"P", 31}, {"S", 32}, {"K", 39}, {"I", 127}};
-    static const Mass kTwoLetter[] = {{"LI", 7},  {"NA", 23}, {"BE", 9},  {"MG", 24}, {"CA", 40},
-                                      {"CR", 52}, {"MN", 56}, {"FE", 56}, {"CO", 59}, {"NI", 59},
-                                      {"CU", 64}, {"ZN", 65}, {"HG", 201}, {"AL", 27},
-                                      {"SI", 28}, {"SE", 79}, {"CL", 35}, {"BR", 80}};
+    static const Mass kTwoLetter[] = {{"LI", 7},  {"NA", 23}, {"BE", 9},   {"MG", 24}, {"CA", 40},
+                                      {"CR", 52}, {"MN", 56}, {"FE", 56},  {"CO", 59}, {"NI", 59},
+                                      {"CU", 64}, {"ZN", 65}, {"HG", 201}, {"AL", 27}, {"SI", 28},
+                                      {"SE", 79}, {"CL", 35}, {"BR", 80}};
     char upper[3] = {0, 0, 0};
     for (int i = 0; i < 2 && element[i]; i++) {
         upper[i] = static_cast<char>(std::toupper(static_cast<unsigned char>(element[i])));
@@ -80,8 +80,8 @@ int getPDBCenter(const PDBData* pdb, int mark, float* x, float* y, float* z) {
     return n;
 }
 
-int getPDBExtent(const PDBData* pdb, int mark, float* xMin, float* xMax, float* yMin,
-                 float* yMax, float* zMin, float* zMax) {
+int getPDBExtent(const PDBData* pdb, int mark, float* xMin, float* xMax, float* yMin, float* yMax,
+                 float* zMin, float* zMax) {
     *xMin = *xMax = *yMin = *yMax = *zMin = *zMax = 0.0f;
     int n = 0;
     for (int i = 0; pdb && i < pdb->atomCount; i++) {

@@ -6,8 +6,8 @@
 
 // Each returns the number of atoms measured (0 leaves zeros).
 int getPDBCenter(const PDBData* pdb, int mark, float* x, float* y, float* z);
-int getPDBExtent(const PDBData* pdb, int mark, float* xMin, float* xMax, float* yMin,
-                 float* yMax, float* zMin, float* zMax);
+int getPDBExtent(const PDBData* pdb, int mark, float* xMin, float* xMax, float* yMin, float* yMax,
+                 float* zMin, float* zMax);
 int getPDBRadGyr(const PDBData* pdb, int mark, float* radius);
 // Sum of the atom masses (each computed once and kept in the atom).
 float getPDBMass(PDBData* pdb, int mark);

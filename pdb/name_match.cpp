@@ -9,9 +9,7 @@
 
 namespace {
 
-char upper(char ch) {
-    return static_cast<char>(std::toupper(static_cast<unsigned char>(ch)));
-}
+char upper(char ch) { return static_cast<char>(std::toupper(static_cast<unsigned char>(ch))); }
 
 bool equalIgnoringCase(const char* a, const char* b) {
     for (; *a && *b; a++, b++) {
@@ -64,18 +62,14 @@ bool matchSet(const char* pattern, char ch, int* length) {
 bool matchElement(const char* pattern, char ch, int* length) {
     *length = 1;
     switch (*pattern) {
-        case '\0':
-            return false;
-        case '?':
-            return ch != '\0';
-        case '[':
-            return matchSet(pattern, ch, length);
+        case '\0': return false;
+        case '?': return ch != '\0';
+        case '[': return matchSet(pattern, ch, length);
         case '\\':
             if (pattern[1] == '\0') return false;
             *length = 2;
             return ch == pattern[1];
-        default:
-            return ch == *pattern;
+        default: return ch == *pattern;
     }
 }
 

@@ -20,18 +20,10 @@ int emptyIfNullName(char* name) {
 
 }  // namespace
 
-int fixAtomName(char* name) {
-    return emptyIfNullName(name);
-}
-int fixResName(char* name) {
-    return emptyIfNullName(name);
-}
-int fixChainName(char* name) {
-    return emptyIfNullName(name);
-}
-int fixSegName(char* name) {
-    return emptyIfNullName(name);
-}
+int fixAtomName(char* name) { return emptyIfNullName(name); }
+int fixResName(char* name) { return emptyIfNullName(name); }
+int fixChainName(char* name) { return emptyIfNullName(name); }
+int fixSegName(char* name) { return emptyIfNullName(name); }
 
 int isProton(const char* name) {
     if (!name) return 0;

@@ -20,9 +20,7 @@ const char* const kMeta = "^$.[()|?+*\\";
 
 char lastError[1024];
 
-bool isRepeatOp(char c) {
-    return c == '*' || c == '+' || c == '?';
-}
+bool isRepeatOp(char c) { return c == '*' || c == '+' || c == '?'; }
 
 // ---------------------------------------------------------------------------
 // Compiler. The pattern is parsed twice: the first pass only counts nodes and
@@ -155,17 +153,10 @@ int compileAtom(Compiler& c, int* flags) {
     *flags = 0;
     char ch = *c.parse++;
     switch (ch) {
-        case '^':
-            return emit(c, kRegBol);
-        case '$':
-            *flags = kEndsBranch;
-            return emit(c, kRegEol);
-        case '.':
-            *flags = kHasWidth | kSimple;
-            return emit(c, kRegAny);
-        case '[':
-            *flags = kHasWidth | kSimple;
-            return compileSet(c);
+        case '^': return emit(c, kRegBol);
+        case '$': *flags = kEndsBranch; return emit(c, kRegEol);
+        case '.': *flags = kHasWidth | kSimple; return emit(c, kRegAny);
+        case '[': *flags = kHasWidth | kSimple; return compileSet(c);
         case '(': {
             int inner = 0;
             int at = compileAlternatives(c, true, &inner);
@@ -174,12 +165,10 @@ int compileAtom(Compiler& c, int* flags) {
         }
         case '\0':
         case '|':
-        case ')':
-            return fail(c, "internal urp");  // the caller stops before these
+        case ')': return fail(c, "internal urp");  // the caller stops before these
         case '?':
         case '+':
-        case '*':
-            return fail(c, "?+* follows nothing");
+        case '*': return fail(c, "?+* follows nothing");
         case '\\':
             if (*c.parse == '\0') return fail(c, "trailing \\");
             *flags = kHasWidth | kSimple;
@@ -242,9 +231,7 @@ int compilePiece(Compiler& c, int* flags) {
     return start;
 }
 
-bool endsBranch(char ch) {
-    return ch == '\0' || ch == '|' || ch == ')';
-}
+bool endsBranch(char ch) { return ch == '\0' || ch == '|' || ch == ')'; }
 
 // One alternative: a branch node followed by its pieces in order.
 int compileBranch(Compiler& c, int* flags) {
@@ -436,17 +423,14 @@ int32_t countRun(const Matcher& m, const RegNode& operand, int32_t pos) {
     const char* stop = m.text + m.length;
     const char* q = p;
     switch (operand.op) {
-        case kRegAny:
-            return m.length - pos;
+        case kRegAny: return m.length - pos;
         case kRegExactly:
             while (q < stop && *q == m.program->pool[operand.data]) q++;
             break;
         case kRegAnyOf:
             while (q < stop && inSet(m, operand, *q)) q++;
             break;
-        default:
-            strRegError("internal foulup");
-            return -1;
+        default: strRegError("internal foulup"); return -1;
     }
     return static_cast<int32_t>(q - p);
 }
@@ -496,12 +480,8 @@ int backtrack(Matcher& m, int32_t& pc, int32_t& pos) {
     while (m.depth > 0) {
         Backtrack e = m.stack[--m.depth];
         switch (e.kind) {
-            case kRestoreStart:
-                m.start[e.group] = e.count;
-                break;
-            case kRestoreEnd:
-                m.end[e.group] = e.count;
-                break;
+            case kRestoreStart: m.start[e.group] = e.count; break;
+            case kRestoreEnd: m.end[e.group] = e.count; break;
             case kAlternative:
                 pc = e.pc;
                 pos = e.pos;
@@ -538,12 +518,8 @@ int matchAt(Matcher& m, int32_t begin) {
                 m.start[0] = begin;
                 m.end[0] = pos;
                 return 1;
-            case kRegBol:
-                ok = pos == 0 && m.lineStart;
-                break;
-            case kRegEol:
-                ok = pos == m.length;
-                break;
+            case kRegBol: ok = pos == 0 && m.lineStart; break;
+            case kRegEol: ok = pos == m.length; break;
             case kRegAny:
                 ok = pos < m.length;
                 pos += ok;
@@ -558,8 +534,7 @@ int matchAt(Matcher& m, int32_t begin) {
                 if (ok) pos += n.length;
                 break;
             case kRegNothing:
-            case kRegBack:
-                break;
+            case kRegBack: break;
             case kRegOpen:
             case kRegClose: {
                 if (n.arg >= kRegSubExp) {
@@ -592,9 +567,7 @@ int matchAt(Matcher& m, int32_t begin) {
                 if (ok < 0) return -1;
                 if (ok) continue;
                 break;
-            default:
-                strRegError("memory corruption");
-                return -1;
+            default: strRegError("memory corruption"); return -1;
         }
         if (ok) {
             pc = follow(m, pc);
@@ -727,9 +700,7 @@ int strRegExec2(RegProgram* program, const char* text, int lineStart) {
     return found == 1;
 }
 
-int strRegExec(RegProgram* program, const char* text) {
-    return strRegExec2(program, text, 1);
-}
+int strRegExec(RegProgram* program, const char* text) { return strRegExec2(program, text, 1); }
 
 int strMatchRegex(const char* text, const char* pattern) {
     RegProgram* program = strRegComp(pattern);
@@ -743,10 +714,6 @@ void strRegError(const char* text) {
     std::snprintf(lastError, sizeof(lastError), "%s", text ? text : "");
 }
 
-const char* strGetRegError() {
-    return lastError;
-}
+const char* strGetRegError() { return lastError; }
 
-void resetRegError() {
-    lastError[0] = '\0';
-}
+void resetRegError() { lastError[0] = '\0'; }

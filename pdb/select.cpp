@@ -67,8 +67,8 @@ bool isSimple(const PDBSelect* s) {
 }
 
 void debugSelected(const PDBAtom* atom) {
-    std::fprintf(stderr, "PDB Select: Res: %3d %4s Atom: %4s Chain: |%s| Seg: |%4s|\n",
-                 atom->resID, atom->resName, atom->atomName, atom->chain, atom->seg);
+    std::fprintf(stderr, "PDB Select: Res: %3d %4s Atom: %4s Chain: |%s| Seg: |%4s|\n", atom->resID,
+                 atom->resName, atom->atomName, atom->chain, atom->seg);
 }
 
 void freeNameList(NameList* list) {

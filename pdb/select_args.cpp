@@ -1,8 +1,8 @@
 #include <cstdio>
 
 #include "pdb/select.h"
-#include "util/args.h"
 #include "util/alloc.h"
+#include "util/args.h"
 
 namespace {
 
@@ -30,8 +30,8 @@ void readMatchModes(int argc, char** argv, PDBSelect* s) {
         const char* prefix;
         NameList* list;
     };
-    const Single singles[] = {{"-a", &s->atomNames}, {"-r", &s->resNames},
-                              {"-c", &s->chainNames}, {"-s", &s->segNames}};
+    const Single singles[] = {
+        {"-a", &s->atomNames}, {"-r", &s->resNames}, {"-c", &s->chainNames}, {"-s", &s->segNames}};
     const char* const suffixes[] = {"Exact", "Regex", "Glob"};
     const int modes[] = {kMatchExact, kMatchRegex, kMatchGlob};
     for (const Single& single : singles) {

@@ -15,8 +15,7 @@ void freeGroups(Group* groups, int count) {
     for (int i = 0; i < count; i++) {
         PDBGroup* g = groups + i;
         unAlloc64("pdb", g->atoms, static_cast<int64_t>(g->atomCapacity) * sizeof(PDBAtom*));
-        unAlloc64("pdb", g->residues,
-                  static_cast<int64_t>(g->resCapacity) * sizeof(PDBResidue*));
+        unAlloc64("pdb", g->residues, static_cast<int64_t>(g->resCapacity) * sizeof(PDBResidue*));
         unAlloc64("pdb", g->byRes,
                   static_cast<int64_t>(g->resMax - g->resMin + 1) * sizeof(PDBResidue*));
     }
@@ -100,8 +99,8 @@ int pdbCopy(PDBData* destination, const PDBData* source) {
         to->z = from->z;
         to->selected = from->selected;
     }
-    int saved = source->savedCount < destination->savedCount ? source->savedCount
-                                                             : destination->savedCount;
+    int saved =
+        source->savedCount < destination->savedCount ? source->savedCount : destination->savedCount;
     pdbCopyCoords(destination->savedXYZ, source->savedXYZ, saved);
     return 0;
 }

@@ -26,13 +26,9 @@ bool selectedIn(const PDBAtom& atom, int low, int high) {
 
 }  // namespace
 
-float* pdb3dGetCurrentMatrix() {
-    return state.current;
-}
+float* pdb3dGetCurrentMatrix() { return state.current; }
 
-void pdb3dReset() {
-    m4x4SetIdentity(state.current);
-}
+void pdb3dReset() { m4x4SetIdentity(state.current); }
 
 int pdb3dResetFirst() {
     if (!state.firstUse) return 0;
@@ -41,21 +37,13 @@ int pdb3dResetFirst() {
     return 1;
 }
 
-void pdb3dResetState() {
-    state = TransformState{};
-}
+void pdb3dResetState() { state = TransformState{}; }
 
-void pdb3dCopyCurrentMatrix(float* destination) {
-    m4x4Copy(destination, state.current);
-}
+void pdb3dCopyCurrentMatrix(float* destination) { m4x4Copy(destination, state.current); }
 
-void pdb3dGet4x4(float* destination) {
-    m4x4Copy(destination, state.current);
-}
+void pdb3dGet4x4(float* destination) { m4x4Copy(destination, state.current); }
 
-void pdb3dGet3x3(float* destination) {
-    m3x3CopyFrom4x4(destination, state.current);
-}
+void pdb3dGet3x3(float* destination) { m3x3CopyFrom4x4(destination, state.current); }
 
 void pdb3dShow() {
     std::fprintf(stderr, "\n");
@@ -67,9 +55,7 @@ void pdb3dShow() {
     std::fprintf(stderr, "\n");
 }
 
-void pdb3dAppendTransform(const float* a) {
-    m4x4Mult(a, state.current);
-}
+void pdb3dAppendTransform(const float* a) { m4x4Mult(a, state.current); }
 
 void pdb3dAppendTranslation(float tx, float ty, float tz) {
     m4x4AppendTranslation(state.current, tx, ty, tz);
@@ -105,9 +91,7 @@ void pdb3dAppendZRotation0(float degrees) {
     pdb3dAppendTransform(r);
 }
 
-void pdb3dAppendRotation0(float x, float y, float z) {
-    m4x4AppendRotation(state.current, x, y, z);
-}
+void pdb3dAppendRotation0(float x, float y, float z) { m4x4AppendRotation(state.current, x, y, z); }
 
 void pdb3dAppendXRotation1(float cx, float cy, float cz, float degrees) {
     float r[16];
@@ -191,9 +175,7 @@ int pdb3dCoordTranslation(float* xyz, int n, float tx, float ty, float tz) {
     return n;
 }
 
-void pdb3dXYZTransform(float* x, float* y, float* z) {
-    m4x4TransformPoint(state.current, x, y, z);
-}
+void pdb3dXYZTransform(float* x, float* y, float* z) { m4x4TransformPoint(state.current, x, y, z); }
 
 int pdb3dApplyTransform(PDBData* pdb, int low, int high) {
     if (!pdb) return 0;

@@ -22,8 +22,8 @@ int formatAtom(char* text, std::size_t size, const PDBAtom* atom, const char* en
     return std::snprintf(text, size, format, record, atom->atomID, atom->atomName,
                          firstOrBlank(atom->locID), atom->resName, firstOrBlank(atom->chain),
                          atom->resID, firstOrBlank(atom->icode), atom->x, atom->y, atom->z,
-                         atom->occupancy, atom->tempFactor, atom->seg, atom->element,
-                         atom->charge, end);
+                         atom->occupancy, atom->tempFactor, atom->seg, atom->element, atom->charge,
+                         end);
 }
 
 void writeHeader(FILE* out, const char* remark) {

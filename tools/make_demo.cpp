@@ -18,27 +18,15 @@ struct Vec {
     double x, y, z;
 };
 
-Vec operator+(Vec a, Vec b) {
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-Vec operator-(Vec a, Vec b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-Vec operator*(Vec a, double s) {
-    return {a.x * s, a.y * s, a.z * s};
-}
-double dot(Vec a, Vec b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
+Vec operator+(Vec a, Vec b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+Vec operator-(Vec a, Vec b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+Vec operator*(Vec a, double s) { return {a.x * s, a.y * s, a.z * s}; }
+double dot(Vec a, Vec b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 Vec cross(Vec a, Vec b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
-Vec unit(Vec a) {
-    return a * (1.0 / std::sqrt(dot(a, a)));
-}
-double radians(double degrees) {
-    return degrees * kPi / 180.0;
-}
+Vec unit(Vec a) { return a * (1.0 / std::sqrt(dot(a, a))); }
+double radians(double degrees) { return degrees * kPi / 180.0; }
 
 // Places d bonded to c with the given length, angle b-c-d and dihedral a-b-c-d.
 Vec place(Vec a, Vec b, Vec c, double length, double angle, double dihedral) {

@@ -352,7 +352,8 @@ char** sListArg(int argc, char** argv, const char* name, int* count) {
     if (!listRange(argc, argv, name, &first, &end)) return nullptr;
     int total = countTokens(argv, first, end);
     if (total == 0) return nullptr;
-    char** list = static_cast<char**>(voidMallocNull64("strDup", (static_cast<int64_t>(total) + 1) * 8));
+    char** list =
+        static_cast<char**>(voidMallocNull64("strDup", (static_cast<int64_t>(total) + 1) * 8));
     if (!list) {
         *count = -1;
         args.badFlag = 0;
@@ -475,7 +476,8 @@ int parseLocList(int argc, char** argv, const char* name, int* flags, int size, 
 
 char** copyArgv(int argc, char** argv, const char* name) {
     if (argc < 1 || !argv) return nullptr;
-    char** copy = static_cast<char**>(voidMallocNull64("copyarg", (static_cast<int64_t>(argc) + 1) * 8));
+    char** copy =
+        static_cast<char**>(voidMallocNull64("copyarg", (static_cast<int64_t>(argc) + 1) * 8));
     if (!copy) return nullptr;
     copy[0] = strDup2("copyarg", name ? name : "");
     for (int i = 1; i < argc; i++) copy[i] = strDup2("copyarg", argv[i]);

@@ -10,8 +10,8 @@ char* strcatAlloc(char** str, const char* text, char* buffer, int capacity, int*
 char* strcpyAlloc(char** str, const char* text, char* buffer, int capacity, int* current);
 char* strpcatAlloc(char** str, const char* text, char* buffer, int capacity, int* current);
 // Reads one whole line of any length (newline kept), or null at end of file.
-char* fgetsAlloc(char** str, int* current, FILE* stream, char* chunk, int chunkSize,
-                 char* buffer, int capacity);
+char* fgetsAlloc(char** str, int* current, FILE* stream, char* chunk, int chunkSize, char* buffer,
+                 int capacity);
 void strAllocFree(char** str, char* buffer, int capacity, int* current);
 
 // A shared scratch text of at least the given length.

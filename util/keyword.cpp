@@ -14,9 +14,7 @@ namespace {
 
 constexpr int kTextSize = 1024;
 
-bool isEnd(const KeyValue* entry) {
-    return !entry->name || !entry->name[0];
-}
+bool isEnd(const KeyValue* entry) { return !entry->name || !entry->name[0]; }
 
 bool startsWithLetter(const char* text) {
     char c = text[0];

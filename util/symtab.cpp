@@ -15,9 +15,7 @@ int lastID = 0;
 // Shared result of hSymVal2Str.
 char valueText[1024];
 
-const char* orEmpty(const char* text) {
-    return text ? text : "";
-}
+const char* orEmpty(const char* text) { return text ? text : ""; }
 
 // The slot's leading bytes read as T, whatever type was last stored there.
 template <class T>
@@ -27,9 +25,7 @@ T slotAs(const HVal& val) {
     return out;
 }
 
-bool usable(const HSymTab* tab) {
-    return tab && tab->buckets && tab->nBuckets > 0;
-}
+bool usable(const HSymTab* tab) { return tab && tab->buckets && tab->nBuckets > 0; }
 
 HSym* findInChain(HSym* head, const char* name, unsigned long hash) {
     for (HSym* sym = head; sym; sym = sym->next) {
@@ -189,9 +185,7 @@ HSym* hFindSym(const char* name, const HSymTab* tab) {
     return findInChain(tab->buckets[bucketOf(hash, tab->nBuckets)], name, hash);
 }
 
-int hSymExists(const char* name, const HSymTab* tab) {
-    return hFindSym(name, tab) ? 1 : 0;
-}
+int hSymExists(const char* name, const HSymTab* tab) { return hFindSym(name, tab) ? 1 : 0; }
 
 int hSetSymDbl(const char* name, double value, HSymTab* tab) {
     HSym* sym = clearedSym(name, HSYM_DBL, tab);
@@ -315,8 +309,7 @@ const char* hSymVal2Str(const HSym* sym) {
         case HSYM_INT:
             std::snprintf(valueText, sizeof valueText, "%d", slotAs<int>(sym->val));
             break;
-        case HSYM_STR:
-            return textValue(sym);
+        case HSYM_STR: return textValue(sym);
         case HSYM_LONG:
             std::snprintf(valueText, sizeof valueText, "%ld", slotAs<long>(sym->val));
             break;
@@ -390,10 +383,6 @@ void hTabNull(HSymTab* tab) {
     tab->buckets = nullptr;
 }
 
-int hSymLastID() {
-    return lastID;
-}
+int hSymLastID() { return lastID; }
 
-void hSymResetID() {
-    lastID = 0;
-}
+void hSymResetID() { lastID = 0; }

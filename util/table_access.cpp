@@ -59,7 +59,6 @@ int setTabVal(float* row, TabVar* vars, int column, const char* text) {
             row[column] = static_cast<float>(index);
             return 0;
         }
-        default:
-            return 1;
+        default: return 1;
     }
 }

@@ -28,16 +28,12 @@ const char* skipNumber(const char* p) {
 
 int typeOfConversion(char c) {
     switch (c) {
-        case 's':
-            return kTabText;
-        case 'd':
-            return kTabInt;
+        case 's': return kTabText;
+        case 'd': return kTabInt;
         case 'e':
         case 'f':
-        case 'g':
-            return kTabReal;
-        default:
-            return 0;
+        case 'g': return kTabReal;
+        default: return 0;
     }
 }
 
@@ -104,8 +100,7 @@ int printTabField(char* field, int size, const TabVar* var, float value, const i
             written = std::snprintf(field, size, var->format, var->texts[index]);
             break;
         }
-        default:
-            return 2;
+        default: return 2;
     }
     if (written < 0) field[0] = '\0';
     return 0;

@@ -34,9 +34,7 @@ bool wordIs(const char* p, std::size_t length, const char* text) {
 
 }  // namespace
 
-TabHeader* hdrInit() {
-    return newEmptyNode();
-}
+TabHeader* hdrInit() { return newEmptyNode(); }
 
 int addHdrLine(const char* text, TabHeader* hdr) {
     if (!hdr) return 1;

@@ -78,9 +78,7 @@ bool spanIs(Span span, const char* word) {
     return std::strncmp(span.start, word, span.length) == 0 && word[span.length] == '\0';
 }
 
-char upperAscii(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
+char upperAscii(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
 bool spanIsUpper(Span span, const char* word) {
     for (int i = 0; i < span.length; i++) {
@@ -160,12 +158,9 @@ bool keepFirst(char** kept, const char* line) {
 bool scanLine(const char* line, TableScan* scan) {
     Span first;
     switch (classify(line, &first)) {
-        case LineKind::kVars:
-            return keepFirst(&scan->vars, line);
-        case LineKind::kFormat:
-            return keepFirst(&scan->format, line);
-        case LineKind::kTolerance:
-            return keepFirst(&scan->tolerance, line);
+        case LineKind::kVars: return keepFirst(&scan->vars, line);
+        case LineKind::kFormat: return keepFirst(&scan->format, line);
+        case LineKind::kTolerance: return keepFirst(&scan->tolerance, line);
         case LineKind::kNullValue: {
             const char* p = first.start + first.length;
             Span value = nextToken(&p);
@@ -187,11 +182,8 @@ bool scanLine(const char* line, TableScan* scan) {
             scan->nullString = copy;
             return true;
         }
-        case LineKind::kData:
-            scan->dataLines++;
-            return true;
-        default:
-            return true;
+        case LineKind::kData: scan->dataLines++; return true;
+        default: return true;
     }
 }
 
@@ -457,18 +449,12 @@ struct RowParser {
         for (int c = 0; c < columns; c++) {
             Span token = nextToken(&p);
             switch (vars[c].type) {
-                case kTabInt:
-                    row[c] = readInt(token, c, line);
-                    break;
-                case kTabReal:
-                    row[c] = readReal(token, c, line);
-                    break;
+                case kTabInt: row[c] = readInt(token, c, line); break;
+                case kTabReal: row[c] = readReal(token, c, line); break;
                 case kTabText:
                     if (!readText(token, c, line, row + c)) return 1;
                     break;
-                default:
-                    std::fprintf(stderr, "RdTable Error: bad vartype.\n");
-                    return 1;
+                default: std::fprintf(stderr, "RdTable Error: bad vartype.\n"); return 1;
             }
         }
         return 0;

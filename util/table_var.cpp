@@ -7,9 +7,7 @@
 
 namespace {
 
-int64_t varBytes(int columns) {
-    return static_cast<int64_t>(columns) * sizeof(TabVar);
-}
+int64_t varBytes(int columns) { return static_cast<int64_t>(columns) * sizeof(TabVar); }
 
 void freeTexts(TabVar* var) {
     if (!var->texts) return;

@@ -160,7 +160,8 @@ int cntText(const char* path, int* count) {
 
 char** buildList(int count) {
     if (count < 0) return nullptr;
-    char** list = static_cast<char**>(voidMalloc64("rdText", (static_cast<int64_t>(count) + 1) * 8));
+    char** list =
+        static_cast<char**>(voidMalloc64("rdText", (static_cast<int64_t>(count) + 1) * 8));
     if (!list) return nullptr;
     for (int i = 0; i <= count; i++) list[i] = nullptr;
     for (int i = 0; i < count; i++) {

@@ -41,9 +41,7 @@ std::array<double, 5> basisSum(const DCValue& v) {
     return sum;
 }
 
-double methylFactor(const DCValue& v) {
-    return v.countI * v.countJ == 3 ? kMethyl : 1.0;
-}
+double methylFactor(const DCValue& v) { return v.countI * v.countJ == 3 ? kMethyl : 1.0; }
 
 // The coupling the coefficients c give the mapped row.
 double coupling(const DCValue& v, const float c[5]) {

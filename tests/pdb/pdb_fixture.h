@@ -137,15 +137,11 @@ struct V3 {
     V3 operator*(double s) const { return {s * x, s * y, s * z}; }
 };
 
-inline double dot(V3 a, V3 b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
+inline double dot(V3 a, V3 b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 inline V3 cross(V3 a, V3 b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
-inline V3 at(const PDBAtom* a) {
-    return {a->x, a->y, a->z};
-}
+inline V3 at(const PDBAtom* a) { return {a->x, a->y, a->z}; }
 
 inline double torsion(V3 p1, V3 p2, V3 p3, V3 p4) {
     V3 b1 = p2 - p1, b2 = p3 - p2, b3 = p4 - p3;
