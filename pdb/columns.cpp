@@ -28,27 +28,13 @@ int lastNumberColumn(int first, int last) {
     return last - first < kNumberColumns ? last : first + kNumberColumns - 1;
 }
 
-// Walks the non-blank characters of a field, as columnText would copy them.
-class FieldReader {
-  public:
-    FieldReader(const char* line, int length, int first, int last)
-        : line_(line), i_(first), end_(last < length ? last + 1 : length) {
-        skip();
-    }
-    char peek() const { return i_ < end_ ? line_[i_] : '\0'; }
-    void next() {
-        i_++;
-        skip();
-    }
+// One past the last column of a field that the line holds.
+int fieldEnd(int length, int last) { return last < length ? last + 1 : length; }
 
-  private:
-    void skip() {
-        while (i_ < end_ && isBlank(line_[i_])) i_++;
-    }
-    const char* line_;
-    int i_;
-    int end_;
-};
+int skipBlanks(const char* line, int i, int end) {
+    while (i < end && isBlank(line[i])) i++;
+    return i;
+}
 
 // The text route, for every field the quick paths do not take.
 float realByText(const char* line, int length, int first, int last) {
@@ -82,22 +68,26 @@ int columnText(char* destination, const char* line, int length, int first, int l
 // (exponents, trailing text, long digit strings) takes the text route.
 float columnReal(const char* line, int length, int first, int last) {
     last = lastNumberColumn(first, last);
-    FieldReader field(line, length, first, last);
-    bool negative = field.peek() == '-';
-    if (field.peek() == '-' || field.peek() == '+') field.next();
+    int end = fieldEnd(length, last);
+    int i = skipBlanks(line, first, end);
+    bool negative = i < end && line[i] == '-';
+    if (i < end && (line[i] == '-' || line[i] == '+')) i++;
     uint64_t mantissa = 0;
     int digits = 0, decimals = 0;
-    for (; isDigit(field.peek()); field.next(), digits++) {
-        mantissa = mantissa * 10 + (field.peek() - '0');
-    }
-    if (field.peek() == '.') {
-        for (field.next(); isDigit(field.peek()); field.next(), digits++, decimals++) {
-            mantissa = mantissa * 10 + (field.peek() - '0');
+    bool point = false;
+    for (; i < end; i++) {
+        char c = line[i];
+        if (isDigit(c)) {
+            mantissa = mantissa * 10 + static_cast<uint64_t>(c - '0');
+            digits++;
+            decimals += point;
+        } else if (c == '.' && !point) {
+            point = true;
+        } else if (!isBlank(c)) {
+            return realByText(line, length, first, last);
         }
     }
-    if (field.peek() != '\0' || digits == 0 || digits > kExactDigits) {
-        return realByText(line, length, first, last);
-    }
+    if (digits == 0 || digits > kExactDigits) return realByText(line, length, first, last);
     double value = static_cast<double>(mantissa) / kPowersOfTen[decimals];
     return static_cast<float>(negative ? -value : value);
 }
@@ -105,13 +95,18 @@ float columnReal(const char* line, int length, int first, int last) {
 // Like strtol, reading stops at the first character that is not a digit.
 int columnInt(const char* line, int length, int first, int last) {
     last = lastNumberColumn(first, last);
-    FieldReader field(line, length, first, last);
-    bool negative = field.peek() == '-';
-    if (field.peek() == '-' || field.peek() == '+') field.next();
-    int value = 0;
-    for (int digits = 0; isDigit(field.peek()); field.next(), digits++) {
+    int end = fieldEnd(length, last);
+    int i = skipBlanks(line, first, end);
+    bool negative = i < end && line[i] == '-';
+    if (i < end && (line[i] == '-' || line[i] == '+')) i++;
+    int value = 0, digits = 0;
+    for (; i < end; i++) {
+        char c = line[i];
+        if (isBlank(c)) continue;
+        if (!isDigit(c)) break;
         if (digits == kSafeIntDigits) return intByText(line, length, first, last);
-        value = value * 10 + (field.peek() - '0');
+        value = value * 10 + (c - '0');
+        digits++;
     }
     return negative ? -value : value;
 }

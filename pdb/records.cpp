@@ -30,8 +30,8 @@ int appendGroupAtom(PDBGroup* group, PDBAtom* atom) {
                                     kAtomListFirst, kAtomListStep);
     if (!slot) return 1;
     *slot = atom;
-    copyName(group->chain, atom->chain);
-    copyName(group->seg, atom->seg);
+    copyNameField(group->chain, atom->chain);
+    copyNameField(group->seg, atom->seg);
     return 0;
 }
 
@@ -52,9 +52,9 @@ void setAtomInfo(PDBData* pdb, PDBAtom* destination, const PDBAtom* source, int 
 
 int setResInfo(PDBResidue* residue, PDBAtom* atom) {
     residue->resID = atom->resID;
-    copyName(residue->resName, atom->resName);
-    copyName(residue->chain, atom->chain);
-    copyName(residue->seg, atom->seg);
+    copyNameField(residue->resName, atom->resName);
+    copyNameField(residue->chain, atom->chain);
+    copyNameField(residue->seg, atom->seg);
     PDBAtom** slot = getNextAtomPtr(&residue->atoms, &residue->atomCount, &residue->atomCapacity,
                                     kResAtomPtrFirst, kResAtomPtrStep);
     if (!slot) return 1;

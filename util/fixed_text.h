@@ -19,3 +19,10 @@ template <std::size_t N>
 inline void copyName(char (&dst)[N], const char* src) {
     copyText(dst, N, src);
 }
+
+// Copies one name field into another of the same size whole: the cheap form
+// for the hot paths, where the source is known to hold a terminated name.
+template <std::size_t N>
+inline void copyNameField(char (&dst)[N], const char (&src)[N]) {
+    std::memcpy(dst, src, N);
+}
