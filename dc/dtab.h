@@ -13,6 +13,8 @@ constexpr int kResidUnset = -666666;
 // Observed, calculated and interaction values above this count as absent.
 constexpr float kMissingLimit = 900.0f;
 constexpr float kMissingValue = 9999.0f;
+// Whether an observed, calculated or difference value is present.
+inline bool isPresent(float value) { return value <= kMissingLimit; }
 // D of a table without a D column.
 constexpr float kNoDColumn = 99999.0f;
 

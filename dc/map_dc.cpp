@@ -122,7 +122,7 @@ int permuteDC(PDBData** pdbs, int count, DTab* dTab, const int* newResids, const
         v->mapped = v->use = 0;
         v->dCalc = kMissingValue;
         for (float& result : v->result) result = 0.0f;
-        if (v->dObs > kMissingLimit) continue;
+        if (!isPresent(v->dObs)) continue;
         int kI = findOld(oldResids, residCount, v->residI);
         int kJ = findOld(oldResids, residCount, v->residJ);
         if (kI < 0 && kJ < 0) continue;

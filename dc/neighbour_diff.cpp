@@ -2,12 +2,6 @@
 
 #include <cmath>
 
-namespace {
-
-bool isPresent(float value) { return value <= kMissingLimit; }
-
-}  // namespace
-
 void findDDC(DCValue* couplings, int count) {
     DCValue* runFirst = nullptr;
     DCValue* previous = nullptr;

@@ -89,7 +89,7 @@ float methylScale(int vectorsPerStructure) {
 }  // namespace
 
 bool isUsedDC(const DCValue& v) {
-    return v.use && v.dObs <= kMissingLimit && v.wTable != 0.0f && v.countI > 0 && v.countJ > 0;
+    return v.use && isPresent(v.dObs) && v.wTable != 0.0f && v.countI > 0 && v.countJ > 0;
 }
 
 void initDCSaupe(DTab* dTab, int* usedCount, int* vectorCount) {

@@ -151,7 +151,7 @@ int fillCouplings(const ReadTable& t, DTab* dTab, int keepTableDI) {
         if (v->chainI[0] || v->chainJ[0]) dTab->noChainNames = 0;
         if (v->segI[0] || v->segJ[0]) dTab->noSegNames = 0;
         readValues(t, r, values, v);
-        if (v->dObs <= kMissingLimit) {
+        if (isPresent(v->dObs)) {
             float weighted = v->dObs * v->wTable;
             sum += weighted * weighted;
             counted++;

@@ -66,7 +66,7 @@ int selectD(DCValue* couplings, int count, int first, int last, int mode) {
     int selected = 0;
     for (int i = 0; i < count; i++) {
         DCValue& v = couplings[i];
-        v.use = v.dObs <= kMissingLimit && passesMode(v, first, last, mode);
+        v.use = isPresent(v.dObs) && passesMode(v, first, last, mode);
         selected += v.use;
     }
     return selected;
@@ -82,7 +82,7 @@ int selectDRange(DCValue* couplings, int count, int a, int b, const char* chain,
     int inUse = 0;
     for (int i = 0; i < count; i++) {
         DCValue& v = couplings[i];
-        if (v.dObs > kMissingLimit) continue;
+        if (!isPresent(v.dObs)) continue;
         if (v.use) {
             inUse++;
             continue;

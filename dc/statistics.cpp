@@ -10,8 +10,6 @@ constexpr float kSqrt2 = 1.4142136f;
 
 float root(float value) { return static_cast<float>(std::sqrt(static_cast<double>(value))); }
 
-bool isPresent(float value) { return value <= kMissingLimit; }
-
 float observedRms(const DTab* dTab) { return dTab->tensor.obsRms; }
 
 float referenceLevel(DTab* const* list) {

@@ -160,7 +160,7 @@ void writeSide(FILE* out, NameColumns names, int resid, const char* resName, con
 void writeRow(FILE* out, NameColumns names, int style, const DCValue& v) {
     writeSide(out, names, v.residI, v.resNameI, v.atomNameI, v.chainI, v.segI);
     writeSide(out, names, v.residJ, v.resNameJ, v.atomNameJ, v.chainJ, v.segJ);
-    bool bothPresent = v.dObs <= kMissingLimit && v.dCalc <= kMissingLimit;
+    bool bothPresent = isPresent(v.dObs) && isPresent(v.dCalc);
     float diff = bothPresent ? v.dObs - v.dCalc : kMissingValue;
     if (style == kColumnsObserved) {
         std::fprintf(out, " % 9.2f % 9.4f % 9.4f % 9.4f %.3f %.3f\n", v.di, v.dObs, v.dCalc, diff,
