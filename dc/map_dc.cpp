@@ -68,8 +68,12 @@ void findDCW(DCValue* v, const float* weights, int weightCount, int firstResid) 
 int buildDCN(PDBData** pdbs, int count, DTab* dTab, int residOffset, int firstResid,
              const float* weights, int weightCount, int useFixed) {
     if (!dTab) return 0;
-    dTabPDBFree(dTab);
-    if (!pdbs || count < 1 || !pdbs[0] || !dTab->couplings || !pdbs[0]->atoms) return 0;
+    if (!pdbs || count < 1 || !pdbs[0] || !dTab->couplings || !pdbs[0]->atoms) {
+        dTabPDBFree(dTab);
+        return 0;
+    }
+    // The list takes the new structures in place when their number is
+    // unchanged, so repeated builds (offsets of a search) allocate nothing.
     if (dTabPDBAlloc(dTab, pdbs, count) != 0 || dTab->pdbCount < 1) return 0;
     int mapped = 0;
     for (int i = 0; i < dTab->count; i++) {
