@@ -1,5 +1,6 @@
 #include "pdb/lists.h"
 
+#include <climits>
 #include <cstdio>
 
 #include "pdb/modes.h"
@@ -8,17 +9,25 @@
 
 namespace {
 
+// The next capacity, or 0 when it would not fit an int.
 int grownCapacity(int capacity, int first, int step) {
-    return capacity < 1 ? first : capacity + step;
+    if (capacity < 1) return first;
+    return capacity <= INT_MAX - step ? capacity + step : 0;
 }
 
-// Grows a record array so that one more record fits; new slots are made
-// fresh with makeNull. Returns false after the failure message.
+// Grows a record array so that one more record fits. The new slots are left
+// as they are: each is made fresh when it is handed out, so a small
+// structure does not pay for the whole first allocation. Returns false after
+// the failure message.
 template <class Record>
 bool growRecords(Record** array, int count, int* capacity, int first, int step,
-                 const char* verboseLine, const char* failure, void (*makeNull)(Record*)) {
+                 const char* verboseLine, const char* failure) {
     if (count < *capacity) return true;
     int grown = grownCapacity(*capacity, first, step);
+    if (grown == 0) {
+        std::fprintf(stderr, "%s", failure);
+        return false;
+    }
     if (getPDBVerb()) std::fprintf(stderr, verboseLine, grown);
     void* block = voidReMalloc64("pdb", *array, static_cast<int64_t>(grown) * sizeof(Record),
                                  static_cast<int64_t>(*capacity) * sizeof(Record));
@@ -27,7 +36,6 @@ bool growRecords(Record** array, int count, int* capacity, int first, int step,
         return false;
     }
     *array = static_cast<Record*>(block);
-    for (int i = *capacity; i < grown; i++) makeNull(*array + i);
     *capacity = grown;
     return true;
 }
@@ -35,10 +43,10 @@ bool growRecords(Record** array, int count, int* capacity, int first, int step,
 template <class Record>
 Record* nextRecord(Record** array, int* count, int* capacity, int first, int step,
                    const char* verboseLine, const char* failure, void (*makeNull)(Record*)) {
-    if (!growRecords(array, *count, capacity, first, step, verboseLine, failure, makeNull)) {
-        return nullptr;
-    }
-    return *array + (*count)++;
+    if (!growRecords(array, *count, capacity, first, step, verboseLine, failure)) return nullptr;
+    Record* record = *array + (*count)++;
+    makeNull(record);
+    return record;
 }
 
 template <class T>

@@ -3,6 +3,7 @@
 #include <strings.h>
 #include <sys/stat.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 
@@ -19,6 +20,8 @@
 namespace {
 
 struct ReadCounts {
+    const char* source;  // the file name in messages
+    int lineNumber = 0;  // of the line being read, from 1
     int blockAtoms = 0;
     int model = 0;
     int lineCount = 0;
@@ -73,19 +76,37 @@ void readIdentity(PDBAtom* atom, const Line& line) {
     line.field(atom->icode, 26, 26);
 }
 
-void readRest(PDBAtom* atom, const Line& line, const ReadCounts& counts) {
+// A coordinate that is not a finite number would turn every fit that uses
+// the atom into not-a-number: such a line stops the read. False after the
+// message.
+bool readCoordinate(float* value, const Line& line, int first, int last, const ReadCounts& counts) {
+    *value = line.realField(first, last);
+    if (std::isfinite(*value)) return true;
+    char text[64];
+    line.field(text, first, last);
+    std::fprintf(stderr, "PDB Error: bad number %s in line %d of %s.\n", text, counts.lineNumber,
+                 counts.source);
+    return false;
+}
+
+// False after a message when a coordinate cannot be right.
+bool readRest(PDBAtom* atom, const Line& line, const ReadCounts& counts) {
     atom->atomID = getPDBUniqMode() ? counts.lineCount : line.intField(6, 10);
     atom->model = counts.model;
-    atom->x = line.realField(30, 37);
-    atom->y = line.realField(38, 45);
-    atom->z = line.realField(46, 53);
+    if (!readCoordinate(&atom->x, line, 30, 37, counts) ||
+        !readCoordinate(&atom->y, line, 38, 45, counts) ||
+        !readCoordinate(&atom->z, line, 46, 53, counts)) {
+        return false;
+    }
     atom->occupancy = line.realField(54, 59);
     atom->tempFactor = line.realField(60, 65);
     line.field(atom->element, 76, 77);
     line.field(atom->charge, 78, 79);
+    return true;
 }
 
-// Handles one atom line; false when the atom list cannot grow.
+// Handles one atom line; false when the atom list cannot grow or the line
+// holds a coordinate that cannot be right.
 bool readAtomLine(PDBData* pdb, PDBAtom* work, const Line& line, bool hetatm,
                   const PDBSelect* selection, ReadCounts* counts) {
     if (pdb->firstAtom < 0) pdb->firstAtom = counts->stored;
@@ -98,7 +119,7 @@ bool readAtomLine(PDBData* pdb, PDBAtom* work, const Line& line, bool hetatm,
     counts->lineCount++;
     readIdentity(work, line);
     if (!pdbSelectTest(counts->stored, work, selection)) return true;
-    readRest(work, line, *counts);
+    if (!readRest(work, line, *counts)) return false;
     PDBAtom* atom = getNextAtom(pdb);
     if (!atom) return false;
     setAtomInfo(pdb, atom, work, counts->stored);
@@ -116,6 +137,7 @@ bool readLines(FILE* stream, PDBData* pdb, const PDBSelect* selection, ReadCount
     strAllocInit(&line, fixed, sizeof fixed);
     bool ok = true;
     while (ok && fgetsAlloc(&line, &capacity, stream, chunk, sizeof chunk, fixed, sizeof fixed)) {
+        counts->lineNumber++;
         Word word = firstWord(line);
         if (word.length == 0) continue;
         int length = static_cast<int>(std::strlen(line));
@@ -154,7 +176,7 @@ int readPDB(const char* path, PDBData* pdb, const PDBSelect* selection) {
         std::fprintf(stderr, "PDB Error opening PDB file %s\n", path);
         return 1;
     }
-    ReadCounts counts;
+    ReadCounts counts{useStdin ? "(stdin)" : path};
     bool ok = readLines(stream, pdb, selection, &counts);
     if (!useStdin) std::fclose(stream);
     if (!ok) return 1;

@@ -1,15 +1,25 @@
 #include "util/growstr.h"
 
+#include <climits>
+#include <cstdint>
 #include <cstring>
 
 #include "util/alloc.h"
 
 namespace {
 
-// Makes room for a text of the given length (terminator excluded).
-bool reserve(char** str, int length, char* buffer, int* current, const char* who) {
+// The longest text a growable string holds: its capacity is an int.
+constexpr int64_t kLongestText = INT_MAX - 1026;
+
+// Makes room for a text of the given length (terminator excluded), keeping
+// the first `keep` bytes when the text moves out of the caller's buffer.
+bool reserve(char** str, int64_t length, int keep, char* buffer, int* current, const char* who) {
     if (*current > length + 2) return true;
-    int grown = *current + 1024;
+    if (length > kLongestText) {
+        std::fprintf(stderr, "%s Error: alloc failed.\n", who);
+        return false;
+    }
+    int64_t grown = static_cast<int64_t>(*current) + 1024;
     if (grown <= length + 2) grown = length + 1026;
     char* block;
     if (*str == buffer) {
@@ -18,7 +28,8 @@ bool reserve(char** str, int length, char* buffer, int* current, const char* who
             std::fprintf(stderr, "%s Error: alloc failed.\n", who);
             return false;
         }
-        std::memcpy(block, buffer, std::strlen(buffer) + 1);
+        std::memcpy(block, buffer, keep);
+        block[keep] = '\0';
     } else {
         block = charReMalloc64("str", *str, grown, *current);
         if (!block) {
@@ -27,8 +38,37 @@ bool reserve(char** str, int length, char* buffer, int* current, const char* who
         }
     }
     *str = block;
-    *current = grown;
+    *current = static_cast<int>(grown);
     return true;
+}
+
+// Appends add bytes of text to a string of known length.
+bool appendBytes(char** str, int64_t* length, const char* text, int add, char* buffer,
+                 int* current) {
+    if (!reserve(str, *length + add, static_cast<int>(*length), buffer, current, "StrCatAlloc")) {
+        return false;
+    }
+    std::memcpy(*str + *length, text, add);
+    *length += add;
+    (*str)[*length] = '\0';
+    return true;
+}
+
+// Reads up to size - 1 bytes into chunk, stopping after a newline. Gives the
+// number of bytes read; *newline tells whether the last one was a newline.
+int readChunk(FILE* stream, char* chunk, int size, bool* newline) {
+    int n = 0;
+    *newline = false;
+    while (n < size - 1) {
+        int c = getc_unlocked(stream);
+        if (c == EOF) break;
+        chunk[n++] = static_cast<char>(c);
+        if (c == '\n') {
+            *newline = true;
+            break;
+        }
+    }
+    return n;
 }
 
 struct ScratchText {
@@ -51,9 +91,12 @@ char* strcatAlloc(char** str, const char* text, char* buffer, int capacity, int*
         std::fprintf(stderr, "StrCatAlloc Error: Null pointer.\n");
         return nullptr;
     }
-    int oldLength = static_cast<int>(std::strlen(*str));
-    int addLength = static_cast<int>(std::strlen(text));
-    if (!reserve(str, oldLength + addLength, buffer, current, "StrCatAlloc")) return nullptr;
+    std::size_t oldLength = std::strlen(*str);
+    std::size_t addLength = std::strlen(text);
+    if (!reserve(str, static_cast<int64_t>(oldLength + addLength), static_cast<int>(oldLength),
+                 buffer, current, "StrCatAlloc")) {
+        return nullptr;
+    }
     std::memcpy(*str + oldLength, text, addLength + 1);
     return *str;
 }
@@ -64,7 +107,7 @@ char* strcpyAlloc(char** str, const char* text, char* buffer, int capacity, int*
         return nullptr;
     }
     int length = static_cast<int>(std::strlen(text));
-    if (!reserve(str, length, buffer, current, "StrCpyAlloc")) return nullptr;
+    if (!reserve(str, length, 0, buffer, current, "StrCpyAlloc")) return nullptr;
     std::memmove(*str, text, length + 1);
     return *str;
 }
@@ -74,9 +117,12 @@ char* strpcatAlloc(char** str, const char* text, char* buffer, int capacity, int
         std::fprintf(stderr, "StrPCatAlloc Error: Null pointer.\n");
         return nullptr;
     }
-    int oldLength = static_cast<int>(std::strlen(*str));
-    int addLength = static_cast<int>(std::strlen(text));
-    if (!reserve(str, oldLength + addLength, buffer, current, "StrPCatAlloc")) return nullptr;
+    std::size_t oldLength = std::strlen(*str);
+    std::size_t addLength = std::strlen(text);
+    if (!reserve(str, static_cast<int64_t>(oldLength + addLength), static_cast<int>(oldLength),
+                 buffer, current, "StrPCatAlloc")) {
+        return nullptr;
+    }
     std::memmove(*str + addLength, *str, oldLength + 1);
     std::memcpy(*str, text, addLength);
     return *str;
@@ -93,11 +139,19 @@ char* fgetsAlloc(char** str, int* current, FILE* stream, char* chunk, int chunkS
         return nullptr;
     }
     (*str)[0] = '\0';
-    bool readAny = false;
-    while (std::fgets(chunk, chunkSize, stream)) {
+    // The length is carried along, so a long line costs time in proportion
+    // to its length. The text ends at a NUL byte; the rest of the line, up
+    // to its newline, is read and dropped.
+    int64_t length = 0;
+    bool readAny = false, textEnded = false, newline = false;
+    while (!newline) {
+        int n = readChunk(stream, chunk, chunkSize, &newline);
+        if (n == 0) break;
         readAny = true;
-        if (!strcatAlloc(str, chunk, buffer, capacity, current)) return nullptr;
-        if (std::strchr(chunk, '\n')) break;
+        if (textEnded) continue;
+        int text = static_cast<int>(strnlen(chunk, n));
+        textEnded = text < n;
+        if (!appendBytes(str, &length, chunk, text, buffer, current)) return nullptr;
     }
     return readAny ? *str : nullptr;
 }

@@ -26,6 +26,14 @@ const char* skipNumber(const char* p) {
     return p;
 }
 
+// Skips a size modifier (h, hh, l, ll, L): the column's type comes from the
+// conversion character after it.
+const char* skipSizeModifier(const char* p) {
+    if ((p[0] == 'h' || p[0] == 'l') && p[1] == p[0]) return p + 2;
+    if (p[0] == 'h' || p[0] == 'l' || p[0] == 'L') return p + 1;
+    return p;
+}
+
 int typeOfConversion(char c) {
     switch (c) {
         case 's': return kTabText;
@@ -52,6 +60,7 @@ int getTabVarType(const char* format) {
         p = skipNumber(skipFlags(p + 1));
         if (p && *p == '.') p = skipNumber(p + 1);
         if (!p) return 0;
+        p = skipSizeModifier(p);
         type = typeOfConversion(*p);
         if (!type || p[1] != '\0') return 0;
     }
@@ -77,27 +86,50 @@ int tabTextIndex(const TabVar* var, float value) {
     return var->texts && var->texts[index] ? index : -1;
 }
 
+namespace {
+
+// The format as printf is handed it: a size modifier is dropped, so that a
+// column read as %9.3lf or %ld prints its value as %9.3f or %d would. Null
+// when the format is too long to be rewritten in plain.
+const char* plainFormat(const char* format, char* plain, std::size_t size) {
+    const char* percent = std::strchr(format, '%');
+    while (percent && percent[1] == '%') percent = std::strchr(percent + 2, '%');
+    if (!percent) return format;
+    const char* p = skipNumber(skipFlags(percent + 1));
+    if (p && *p == '.') p = skipNumber(p + 1);
+    if (!p || skipSizeModifier(p) == p) return format;
+    std::size_t head = static_cast<std::size_t>(p - format);
+    const char* tail = skipSizeModifier(p);
+    if (head + std::strlen(tail) + 1 > size) return nullptr;
+    std::memcpy(plain, format, head);
+    std::strcpy(plain + head, tail);
+    return plain;
+}
+
+}  // namespace
+
 int printTabField(char* field, int size, const TabVar* var, float value, const int* nullValue) {
     int written = 0;
     field[0] = '\0';
     // A format that does not fit the column's type would hand printf the
     // wrong argument; such a column counts as one of unknown type.
     if (getTabVarType(var->format) != var->type) return 2;
+    char plain[kFieldLimit];
+    const char* format = plainFormat(var->format, plain, sizeof plain);
+    if (!format) return 2;
     switch (var->type) {
-        case kTabInt:
-            written = std::snprintf(field, size, var->format, tabFloatToInt(value));
-            break;
+        case kTabInt: written = std::snprintf(field, size, format, tabFloatToInt(value)); break;
         case kTabReal:
-            written = std::snprintf(field, size, var->format, static_cast<double>(value));
+            written = std::snprintf(field, size, format, static_cast<double>(value));
             break;
         case kTabText: {
             if (nullValue && value == static_cast<float>(*nullValue)) {
-                written = std::snprintf(field, size, var->format, kTabNullText);
+                written = std::snprintf(field, size, format, kTabNullText);
                 break;
             }
             int index = tabTextIndex(var, value);
             if (index < 0) return 1;
-            written = std::snprintf(field, size, var->format, var->texts[index]);
+            written = std::snprintf(field, size, format, var->texts[index]);
             break;
         }
         default: return 2;

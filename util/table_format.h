@@ -7,9 +7,10 @@
 // Column type of a printf format (kTabText, kTabInt or kTabReal, from its
 // last character), or 0 unless the format holds exactly one conversion and
 // that conversion ends the format. Only flags, width and precision (each
-// below 1024, the size of a printed field) are accepted inside the
-// conversion, so a format read from a file can never make printf look for an
-// argument it was not given.
+// below 1024, the size of a printed field) and a size modifier (h, hh, l, ll,
+// L; dropped when printing) are accepted inside the conversion, so a format
+// read from a file can never make printf look for an argument it was not
+// given.
 int getTabVarType(const char* format);
 
 // Underscores in a file's FORMAT token stand for blanks; in place.

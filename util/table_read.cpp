@@ -3,6 +3,7 @@
 // lines, the second converts every data line straight into the matrix. Lines
 // of any length are read; ordinary ones never leave a stack buffer, and no
 // number costs a heap block.
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -35,14 +36,20 @@ class LineReader {
                         sizeof fixed_)) {
             return nullptr;
         }
+        lineNumber_++;
         std::size_t length = std::strlen(line_);
         if (length > 0 && line_[length - 1] == '\n') line_[length - 1] = '\0';
         return line_;
     }
+    // The number, from 1, of the line next() gave last.
+    int lineNumber() const { return lineNumber_; }
     // After next() gave null: true when a longer line could not be stored.
     bool outOfMemory() const { return !std::feof(stream_) && !std::ferror(stream_); }
     bool readError() const { return std::ferror(stream_) != 0; }
-    void rewind() { std::rewind(stream_); }
+    void rewind() {
+        std::rewind(stream_);
+        lineNumber_ = 0;
+    }
 
   private:
     FILE* stream_;
@@ -50,6 +57,7 @@ class LineReader {
     char chunk_[kLineBuffer];
     char* line_ = nullptr;
     int capacity_ = kLineBuffer;
+    int lineNumber_ = 0;
 };
 
 struct FileCloser {
@@ -386,6 +394,11 @@ struct TextIndex {
     }
 };
 
+// Integer cells beyond this magnitude cannot be a residue number, index or
+// count: they are refused rather than stored in a float that cannot hold
+// them exactly.
+constexpr long kLargestInteger = 999999999;
+
 // Converts data lines into rows.
 struct RowParser {
     TabVar* vars;
@@ -393,30 +406,41 @@ struct RowParser {
     float nullReplacement;
     const TableScan* scan;
     TextIndex* indexes;
+    const char* path;
+    int lineNumber = 0;
+    bool badNumber = false;
+
+    float refuse(Span token) {
+        std::fprintf(stderr, "RdTable Error: bad number %.*s in line %d of %s.\n", token.length,
+                     token.start, lineNumber, path);
+        badNumber = true;
+        return 0.0f;
+    }
 
     void warn(const char* kind, int column, const char* line) const {
         std::fprintf(stderr, "RdTable Warning: Bad %s-Item %d:\n%s\n", kind, column + 1, line);
     }
 
-    float readInt(Span token, int column, const char* line) const {
+    float readInt(Span token, int column, const char* line) {
         char* end = nullptr;
         long value = token.length ? std::strtol(token.start, &end, 10) : 0;
         if (!token.length || end == token.start) {
             warn("I", column, line);
             return 0.0f;
         }
-        int number = static_cast<int>(value);
-        if (scan->hasNullValue && number == scan->nullValue) return nullReplacement;
-        return static_cast<float>(number);
+        if (scan->hasNullValue && value == scan->nullValue) return nullReplacement;
+        if (value > kLargestInteger || value < -kLargestInteger) return refuse(token);
+        return static_cast<float>(value);
     }
 
-    float readReal(Span token, int column, const char* line) const {
+    float readReal(Span token, int column, const char* line) {
         char* end = nullptr;
         float value = token.length ? std::strtof(token.start, &end) : 0.0f;
         if (!token.length || end == token.start) {
             warn("F", column, line);
             return 0.0f;
         }
+        if (!std::isfinite(value)) return refuse(token);
         if (scan->hasNullValue && value == static_cast<float>(scan->nullValue)) {
             return nullReplacement;
         }
@@ -444,7 +468,8 @@ struct RowParser {
     }
 
     // 0, or 1 after a message.
-    int parse(const char* line, float* row) {
+    int parse(const char* line, int number, float* row) {
+        lineNumber = number;
         const char* p = line;
         for (int c = 0; c < columns; c++) {
             Span token = nextToken(&p);
@@ -456,6 +481,7 @@ struct RowParser {
                     break;
                 default: std::fprintf(stderr, "RdTable Error: bad vartype.\n"); return 1;
             }
+            if (badNumber) return 1;
         }
         return 0;
     }
@@ -471,7 +497,8 @@ int readRows(LineReader& reader, RowParser& parser, float* values, int rows, Tab
         LineKind kind = classify(line, &first);
         if (kind == LineKind::kData) {
             if (row == rows) continue;  // the file grew since the first pass
-            if (parser.parse(line, values + static_cast<int64_t>(row) * parser.columns)) return 1;
+            float* cells = values + static_cast<int64_t>(row) * parser.columns;
+            if (parser.parse(line, reader.lineNumber(), cells)) return 1;
             row++;
         } else if (tail && kind == LineKind::kOther && isHeaderToken(first)) {
             if (addHdrLine(line, tail)) return 1;
@@ -487,8 +514,8 @@ int readRows(LineReader& reader, RowParser& parser, float* values, int rows, Tab
 }
 
 // Reads the rows into a new matrix; 1 after a message.
-int readMatrix(LineReader& reader, const TableScan& scan, TabVar* vars, int columns, TabHeader* hdr,
-               float nullReplacement, float** matrixOut) {
+int readMatrix(const char* path, LineReader& reader, const TableScan& scan, TabVar* vars,
+               int columns, TabHeader* hdr, float nullReplacement, float** matrixOut) {
     int rows = scan.dataLines;
     float* matrix = fltMalloc64("table", static_cast<int64_t>(rows) * columns);
     if (!matrix) {
@@ -502,7 +529,7 @@ int readMatrix(LineReader& reader, const TableScan& scan, TabVar* vars, int colu
         unAlloc64("table", matrix, static_cast<int64_t>(rows) * columns * 4);
         return 1;
     }
-    RowParser parser{vars, columns, nullReplacement, &scan, indexes};
+    RowParser parser{vars, columns, nullReplacement, &scan, indexes, path};
     reader.rewind();
     int status = readRows(reader, parser, matrix, rows, hdr);
     for (int c = 0; c < columns; c++) {
@@ -545,7 +572,7 @@ int rdTable2(const char* path, float** values, int* columns, int* rows, TabVar**
     int newColumns = 0;
     if (buildColumns(scan, &newVars, &newColumns)) return 1;
     float* matrix = nullptr;
-    if (readData && readMatrix(reader, scan, newVars, newColumns, hdr, nullValue, &matrix)) {
+    if (readData && readMatrix(path, reader, scan, newVars, newColumns, hdr, nullValue, &matrix)) {
         freeTab(nullptr, newVars, newColumns, 0);
         return 1;
     }

@@ -88,7 +88,8 @@ TEST_F(TableRead, EachReaderErrorHasItsMessageAndStatusOne) {
          "RdTable Error: VARS/TOLERANCE mismatch:\nVARS A B\nTOLERANCE 1 2 3\n"},
         {"VARS A B\nFORMAT %5d %x\n1 2\n", "RdTable Error: bad format FORMAT %5d %x\n"},
         {"VARS A\nFORMAT %d%s\n1\n", "RdTable Error: bad format FORMAT %d%s\n"},
-        {"VARS A\nFORMAT %ld\n1\n", "RdTable Error: bad format FORMAT %ld\n"},
+        {"VARS A\nFORMAT %lx\n1\n", "RdTable Error: bad format FORMAT %lx\n"},
+        {"VARS A\nFORMAT %llld\n1\n", "RdTable Error: bad format FORMAT %llld\n"},
         {"VARS A\nFORMAT %*d\n1\n", "RdTable Error: bad format FORMAT %*d\n"},
         {"VARS A\nFORMAT %.1024s\n1\n", "RdTable Error: bad format FORMAT %.1024s\n"},
         {"VARS A\nFORMAT %5.2f_A\n1\n", "RdTable Error: bad format FORMAT %5.2f_A\n"},
@@ -108,6 +109,54 @@ TEST_F(TableRead, EachReaderErrorHasItsMessageAndStatusOne) {
     EXPECT_EQ(missing.err, "RdTable File open error: " + path("none") + ".\n");
     ReadTable directory(dir_);
     EXPECT_EQ(directory.err, "RdTable File open error: " + dir_ + ".\n");
+}
+
+// Size modifiers say nothing about a column's type, which comes from the
+// conversion; the writer prints such columns as if the modifier were absent.
+TEST_F(TableRead, SizeModifiersAreAcceptedAndDroppedWhenWriting) {
+    ReadTable t(file("m.tab", "VARS A B C D E\nFORMAT %9.3lf %ld %hd %lld %-4ls\n1.5 -2 3 4 x\n"));
+    ASSERT_EQ(t.status, 0) << t.err;
+    int types[] = {kTabReal, kTabInt, kTabInt, kTabInt, kTabText};
+    float row[] = {1.5f, -2, 3, 4, 0};
+    for (int c = 0; c < 5; c++) {
+        EXPECT_EQ(t.var(c).type, types[c]) << c;
+        EXPECT_FLOAT_EQ(t.at(0, c), row[c]) << c;
+    }
+    ASSERT_EQ(wrTable(path("out").c_str(), t.tab.values, 5, 1, t.tab.vars, -9999, nullptr), 0);
+    std::string written = readFile(path("out"));
+    EXPECT_NE(written.find("FORMAT %9.3lf %ld %hd %lld %-4ls\n"), std::string::npos) << written;
+    EXPECT_NE(written.find("\n    1.500 -2 3 4 x   \n"), std::string::npos) << written;
+}
+
+// Numbers that cannot be right stop the read with the line they are on: not
+// a number, infinity, and integers a float cannot hold exactly (a residue
+// number near the int limit used to become -2147483648 downstream).
+TEST_F(TableRead, NumbersThatCannotBeRightAreRefused) {
+    const char* const cases[][3] = {
+        {"VARS A B\nFORMAT %d %f\n\n1 2\n2 nan\n", "nan", "5"},
+        {"VARS A B\nFORMAT %d %f\n1 -INF\n", "-INF", "3"},
+        {"VARS A B\nFORMAT %d %f\n1 1e39\n", "1e39", "3"},
+        {"VARS A B\nFORMAT %d %f\n# c\n2147483647 1\n", "2147483647", "4"},
+        {"VARS A B\nFORMAT %d %f\n-1000000000 1\n", "-1000000000", "3"},
+        {"VARS A B\nFORMAT %d %f\n99999999999999999999 1\n", "99999999999999999999", "3"},
+    };
+    int n = 0;
+    for (const auto& c : cases) {
+        std::string p = file(std::to_string(n++), c[0]);
+        ReadTable t(p);
+        EXPECT_EQ(t.err, std::string("RdTable Error: bad number ") + c[1] + " in line " + c[2] +
+                             " of " + p + ".\n");
+        EXPECT_EQ(t.status, 1) << c[0];
+        EXPECT_TRUE(!t.tab.values && !t.tab.vars) << c[0];
+    }
+    // The largest magnitude still taken, and a null marker beyond it.
+    ReadTable edge(file("e",
+                        "VARS A\nFORMAT %d\nNULLVALUE 2147483647\n999999999\n-999999999\n"
+                        "2147483647\n"),
+                   5.0f);
+    ASSERT_EQ(edge.status, 0) << edge.err;
+    float expected[] = {999999999.0f, -999999999.0f, 5.0f};
+    for (int r = 0; r < 3; r++) EXPECT_FLOAT_EQ(edge.at(r, 0), expected[r]) << r;
 }
 
 TEST_F(TableRead, TextsMapExactlyInOrderOfFirstAppearance) {
