@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 
 #include "app/usage.h"
 #include "app/version.h"
@@ -10,6 +11,7 @@
 #include "pdb/modes.h"
 #include "util/args.h"
 #include "util/levels.h"
+#include "util/residue_number.h"
 
 namespace {
 
@@ -74,6 +76,9 @@ void readResidueRange(int argc, char** argv, RunSettings* s) {
     intArgD(argc, argv, "-rN", &s->resN);
     intArgD(argc, argv, "-sID", &s->segID);
     intArgD(argc, argv, "-a1", &s->aRes1);
+    // Residue numbers beyond what a table may hold are taken as that limit,
+    // so that the offset aRes1 - res1 and every residue shifted by it fit.
+    for (int* resid : {&s->res1, &s->resN, &s->aRes1}) *resid = clampResid(*resid);
     fltArgD(argc, argv, "-csThresh", &s->csThresh);
     fltArgD(argc, argv, "-vcThresh", &s->vcThresh);
 }

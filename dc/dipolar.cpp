@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include <cstdio>
+#include <cstdint>
 #include <cstring>
 
 #include "dc/dtab.h"
@@ -72,12 +73,15 @@ int sameResidueType(const char* resName, const char* a, const char* b) {
 
 int classifyPair(int residI, const char* resNameI, const char* a, int residJ, const char* b) {
     if (residI == residJ) return sameResidueType(resNameI, a, b);
-    if (residJ == residI + 1) {
+    // Neighbours are found in 64 bits: residue numbers may lie at the ends
+    // of the int range.
+    int64_t step = static_cast<int64_t>(residJ) - residI;
+    if (step == 1) {
         if (!is(a, "C")) return kBondOther;
         if (isAmideH(b)) return kBondCH;
         return is(b, "N") ? kBondCN : kBondOther;
     }
-    if (residI == residJ + 1 && is(b, "C")) {
+    if (step == -1 && is(b, "C")) {
         if (isAmideH(a)) return kBondCH;
         if (is(a, "N")) return kBondCN;
     }

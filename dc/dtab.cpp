@@ -1,5 +1,7 @@
 #include "dc/dtab.h"
 
+#include <climits>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -51,7 +53,7 @@ void dTabPDBFree(DTab* dTab) {
     unAlloc64("dc", dTab->pdbs, pdbListBytes(dTab->pdbCount));
     dTab->pdbs = nullptr;
     dTab->pdbCount = 0;
-    dTab->spare = 0;
+    dTab->workCount = 0;
 }
 
 int dTabPDBAlloc(DTab* dTab, PDBData** pdbs, int count) {
@@ -82,10 +84,15 @@ int dTabPDBAlloc(DTab* dTab, PDBData** pdbs, int count) {
 namespace {
 
 // Grows a zero-filled workspace of elements of type T to at least size;
-// a workspace is never shrunk. False after the message when it cannot be made.
+// a workspace is never shrunk. False after the message when it cannot be
+// made, also when its size does not fit the int that records it.
 template <class T>
-bool growWorkspace(T** work, int* current, int size, const char* failure) {
+bool growWorkspace(T** work, int* current, int64_t size, const char* failure) {
     if (size <= *current) return true;
+    if (size > INT_MAX) {
+        std::fprintf(stderr, "%s", failure);
+        return false;
+    }
     unAlloc64("dc", *work, static_cast<int64_t>(*current) * sizeof(T));
     *current = 0;
     *work = static_cast<T*>(voidMallocNull64("dc", static_cast<int64_t>(size) * sizeof(T)));
@@ -99,11 +106,17 @@ bool growWorkspace(T** work, int* current, int size, const char* failure) {
 
 }  // namespace
 
+int64_t dcRealWorkSize(int64_t nvec, int64_t structures) {
+    if (nvec > INT_MAX || structures > INT_MAX) return INT64_MAX;
+    int64_t vectors = structures * nvec;
+    return vectors > INT_MAX ? vectors : 9 * vectors + 9;
+}
+
 int dcWorkAlloc(DTab* dTab, int pdbCount) {
-    int structures = pdbCount > 1 ? pdbCount : 1;
+    int64_t structures = pdbCount > 1 ? pdbCount : 1;
     if (dTab->pdbCount > structures) structures = dTab->pdbCount;
-    int realSize = 9 * structures * dTab->nvec + 9;
-    int intSize = dTab->nvec + 1;
+    int64_t realSize = dcRealWorkSize(dTab->nvec, structures);
+    int64_t intSize = static_cast<int64_t>(dTab->nvec) + 1;
     if (!growWorkspace(&dTab->realWork, &dTab->realSize, realSize,
                        "DC Error Allocating DC Real Workspace.\n")) {
         return 1;

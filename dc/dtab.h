@@ -2,6 +2,8 @@
 // structures the couplings are mapped onto and the fit workspaces.
 #pragma once
 
+#include <cstdint>
+
 #include "dc/tensor.h"
 #include "util/fixed_text.h"
 
@@ -68,7 +70,7 @@ struct DTab {
     PDBData** pdbs;      // borrowed structures, the array is owned
     int count;
     int pdbCount;
-    int spare;
+    int workCount;  // used couplings in the fit workspace; cleared with the structure list
     int svdCount;  // couplings that entered the last SVD fit
     int minResid;
     int maxResid;
@@ -89,5 +91,8 @@ void resetDC(DCValue* values, int count);
 // Keeps the list of structures the couplings are mapped onto.
 int dTabPDBAlloc(DTab* dTab, PDBData** pdbs, int count);
 void dTabPDBFree(DTab* dTab);
+// Floats of the real fit workspace for NVEC and a structure count: 9 per
+// vector and structure, and 9. Larger than INT_MAX means it cannot be made.
+int64_t dcRealWorkSize(int64_t nvec, int64_t structures);
 // Sizes the fit workspaces for the given structure count.
 int dcWorkAlloc(DTab* dTab, int pdbCount);

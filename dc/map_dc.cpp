@@ -1,12 +1,14 @@
 #include "dc/map_dc.h"
 
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 
 #include "dc/dipolar.h"
 #include "pdb/lookup.h"
 #include "pdb/modes.h"
 #include "pdb/pdb_types.h"
+#include "util/residue_number.h"
 
 namespace {
 
@@ -30,6 +32,12 @@ void clearMapping(DCValue* v) {
     v->result[0] = v->result[1] = 0.0f;
     v->result[2] = v->result[3] = v->result[4] = v->result[5] = 0.0f;
     v->countI = v->countJ = 0;
+}
+
+// The structure residues of a coupling at a residue offset; false when
+// either lies outside the residue numbers a structure can have.
+bool shiftedResids(const DCValue* v, int64_t offset, int* residI, int* residJ) {
+    return shiftResid(v->residI, offset, residI) && shiftResid(v->residJ, offset, residJ);
 }
 
 int findOld(const int* oldResids, int residCount, int resid) {
@@ -58,7 +66,7 @@ void findDCW(DCValue* v, const float* weights, int weightCount, int firstResid) 
     v->w = v->wTable;
     v->dd = v->ddTable;
     if (!weights || weightCount < 1) return;
-    int k = (v->residI > v->residJ ? v->residI : v->residJ) - firstResid;
+    int64_t k = static_cast<int64_t>(v->residI > v->residJ ? v->residI : v->residJ) - firstResid;
     if (k < 0 || k >= weightCount) return;
     v->w = v->wTable * static_cast<float>(std::sqrt(std::fabs(static_cast<double>(weights[k]))));
     // The uncertainty is divided by the plain weight while W takes its root.
@@ -68,19 +76,17 @@ void findDCW(DCValue* v, const float* weights, int weightCount, int firstResid) 
 int buildDCN(PDBData** pdbs, int count, DTab* dTab, int residOffset, int firstResid,
              const float* weights, int weightCount, int useFixed) {
     if (!dTab) return 0;
-    if (!pdbs || count < 1 || !pdbs[0] || !dTab->couplings || !pdbs[0]->atoms) {
-        dTabPDBFree(dTab);
-        return 0;
-    }
-    // The list takes the new structures in place when their number is
-    // unchanged, so repeated builds (offsets of a search) allocate nothing.
+    // Every build starts from nothing, so one that stops early leaves no
+    // structure and no atom a later fit could read.
+    dTabPDBFree(dTab);
+    for (int i = 0; dTab->couplings && i < dTab->count; i++) clearMapping(dTab->couplings + i);
+    if (!pdbs || count < 1 || !pdbs[0] || !dTab->couplings || !pdbs[0]->atoms) return 0;
     if (dTabPDBAlloc(dTab, pdbs, count) != 0 || dTab->pdbCount < 1) return 0;
     int mapped = 0;
     for (int i = 0; i < dTab->count; i++) {
         DCValue* v = dTab->couplings + i;
-        clearMapping(v);
-        if (!v->use) continue;
-        int residI = v->residI + residOffset, residJ = v->residJ + residOffset;
+        int residI, residJ;
+        if (!v->use || !shiftedResids(v, residOffset, &residI, &residJ)) continue;
         findDCAtoms(pdbs[0], dTab, v, residI, residJ, 0);
         if (!v->mapped) continue;
         if (weights && weightCount > 0) findDCW(v, weights, weightCount, firstResid);
@@ -105,8 +111,10 @@ int mapDCInfoN(PDBData** pdbs, int count, DTab* dTab, int residOffset, int warn)
         v->mapped = 0;
         v->countI = v->countJ = 0;
         if (warn == 1) v->use = 1;
+        int residI, residJ;
         if (!warn && !v->use) continue;
-        findDCAtoms(pdbs[0], dTab, v, v->residI + residOffset, v->residJ + residOffset, warn);
+        if (!shiftedResids(v, residOffset, &residI, &residJ)) continue;
+        findDCAtoms(pdbs[0], dTab, v, residI, residJ, warn);
         if (v->countI > 0 && v->countJ > 0) found++;
     }
     return found;
@@ -131,8 +139,10 @@ int permuteDC(PDBData** pdbs, int count, DTab* dTab, const int* newResids, const
         int kJ = findOld(oldResids, residCount, v->residJ);
         if (kI < 0 && kJ < 0) continue;
         // A residue that was not renumbered keeps its separation from the other.
-        int newI = kI >= 0 ? newResids[kI] : v->residI + newResids[kJ] - v->residJ;
-        int newJ = kJ >= 0 ? newResids[kJ] : v->residJ + newResids[kI] - v->residI;
+        int newI = kI >= 0 ? newResids[kI] : 0;
+        int newJ = kJ >= 0 ? newResids[kJ] : 0;
+        if (kI < 0 && !shiftResid(v->residI, static_cast<int64_t>(newJ) - v->residJ, &newI)) continue;
+        if (kJ < 0 && !shiftResid(v->residJ, static_cast<int64_t>(newI) - v->residI, &newJ)) continue;
         v->use = 1;
         findDCAtoms(pdbs[0], dTab, v, newI, newJ, 1);
         if (!v->mapped) continue;

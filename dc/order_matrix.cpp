@@ -45,11 +45,22 @@ float dot5(const float c[5], const float b[5]) {
     return c[0] * b[0] + c[1] * b[1] + c[2] * b[2] + c[3] * b[3] + c[4] * b[4];
 }
 
-// Calls visit(k, v, firstSlot, slotCount) for every used coupling in order.
+// Whether the workspace can hold the couplings of the current mapping: the
+// couplings are mapped onto at least one structure and the workspaces were
+// sized. Every step that visits used couplings asks this first, so that all
+// of them agree on which couplings are used.
+bool hasMapping(const DTab* dTab) {
+    return dTab->pdbCount > 0 && dTab->pdbs && dTab->realWork && dTab->intWork;
+}
+
+// Calls visit(k, v, firstSlot, slotCount) for the used couplings in order,
+// at most `limit` of them and never more than the workspace holds.
 template <class Visit>
-void forEachUsed(DTab* dTab, Visit visit) {
+void forEachUsed(DTab* dTab, int limit, Visit visit) {
+    if (!hasMapping(dTab)) return;
+    if (limit > dTab->workCount) limit = dTab->workCount;
     int k = 0, slot = 0;
-    for (int i = 0; i < dTab->count; i++) {
+    for (int i = 0; i < dTab->count && k < limit; i++) {
         DCValue& v = dTab->couplings[i];
         if (!isUsedDC(v)) continue;
         int slots = dTab->intWork[k] * structureCount(dTab);
@@ -94,7 +105,7 @@ bool isUsedDC(const DCValue& v) {
 
 void initDCSaupe(DTab* dTab, int* usedCount, int* vectorCount) {
     int used = 0, slot = 0;
-    if (dTab->pdbCount > 0 && dTab->realWork && dTab->intWork) {
+    if (hasMapping(dTab)) {
         for (int i = 0; i < dTab->count; i++) {
             const DCValue& v = dTab->couplings[i];
             if (!isUsedDC(v)) continue;
@@ -107,6 +118,7 @@ void initDCSaupe(DTab* dTab, int* usedCount, int* vectorCount) {
             used++;
         }
     }
+    dTab->workCount = used;
     *usedCount = used;
     *vectorCount = slot;
 }
@@ -126,7 +138,7 @@ int findS(DTab* dTab, float c[5], float cErr[5], int usedCount) {
     const float* dObs = block(dTab, kDObs);
     const float* dds = block(dTab, kDD);
     int structures = structureCount(dTab);
-    forEachUsed(dTab, [&](int k, const DCValue&, int slot, int slots) {
+    forEachUsed(dTab, usedCount, [&](int k, const DCValue&, int slot, int slots) {
         float absDI = std::fabs(dis[k]);
         float s = absDI != 0.0f ? 1.0f / absDI : 0.0f;
         rhs[k] = dObs[k] * s;
@@ -161,8 +173,7 @@ void findD(DTab* dTab, const float c[5], const float cErr[5], int usedCount) {
     float* dis = block(dTab, kDI);
     float* dOut = block(dTab, kDObs);
     float* eOut = block(dTab, kDD);
-    forEachUsed(dTab, [&](int k, const DCValue&, int slot, int slots) {
-        if (k >= usedCount) return;
+    forEachUsed(dTab, usedCount, [&](int k, const DCValue&, int slot, int slots) {
         float d = 0.0f, e2 = 0.0f;
         for (int n = slot; n < slot + slots; n++) {
             float b[5];
@@ -181,7 +192,7 @@ int getSaupeD(DTab* dTab) {
     const float* dOut = block(dTab, kDObs);
     float structures = static_cast<float>(structureCount(dTab));
     int copied = 0;
-    forEachUsed(dTab, [&](int k, DCValue& v, int, int) {
+    forEachUsed(dTab, dTab->workCount, [&](int k, DCValue& v, int, int) {
         v.dCalc = dOut[k] / structures;
         copied++;
     });
@@ -192,8 +203,7 @@ int getSaupeS(DTab* dTab) {
     const float* design = dipolarDesign();
     if (!design) return 0;
     int copied = 0;
-    forEachUsed(dTab, [&](int k, DCValue& v, int, int) {
-        if (k >= dipolarSize()) return;
+    forEachUsed(dTab, dipolarSize(), [&](int k, DCValue& v, int, int) {
         for (int i = 0; i < 5; i++) v.result[i] = design[5 * k + i];
         v.result[5] = static_cast<float>(dTab->intWork[k]);
         copied++;

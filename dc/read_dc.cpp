@@ -2,14 +2,19 @@
 
 #include <strings.h>
 
+#include <climits>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 
 #include "dc/dipolar.h"
 #include "pdb/names.h"
 #include "util/alloc.h"
+#include "util/residue_number.h"
 #include "util/table.h"
+#include "util/table_format.h"
 #include "util/token.h"
 
 namespace {
@@ -49,10 +54,8 @@ bool cellText(const TabVar* vars, const float* row, int column, char* name) {
     if (column < 0) return false;
     const TabVar& var = vars[column];
     if (var.type == kTabText) {
-        int index = static_cast<int>(row[column]);
-        if (index >= 0 && index < var.textCount && var.texts[index]) {
-            copyText(name, kNameSize, var.texts[index]);
-        }
+        int index = tabTextIndex(&var, row[column]);
+        if (index >= 0) copyText(name, kNameSize, var.texts[index]);
         return true;
     }
     char text[1024];
@@ -66,11 +69,6 @@ bool cellText(const TabVar* vars, const float* row, int column, char* name) {
 
 bool isAtomExpression(const char* name) { return std::strchr(name, '#') || std::strchr(name, '*'); }
 
-int vectorCount(const DCValue& v) {
-    int expressions = isAtomExpression(v.atomNameI) + isAtomExpression(v.atomNameJ);
-    return expressions == 0 ? 1 : expressions == 1 ? 9 : 81;
-}
-
 void readAtoms(const ReadTable& t, int r, const AtomColumns& cols, int* resid, char* resname,
                char* atomname, char* chainname, char* segname) {
     getAtomTabVals(t.vars, t.columns, t.row(r), cols.resid, cols.resname, cols.atomname,
@@ -78,8 +76,8 @@ void readAtoms(const ReadTable& t, int r, const AtomColumns& cols, int* resid, c
 }
 
 void readValues(const ReadTable& t, int r, const ValueColumns& c, DCValue* v) {
-    v->index = c.index < 0 ? r + 1 : static_cast<int>(t.row(r)[c.index]);
-    v->absFlag = static_cast<int>(t.cell(r, c.abs, 0.0f));
+    v->index = c.index < 0 ? r + 1 : tabFloatToInt(t.row(r)[c.index]);
+    v->absFlag = tabFloatToInt(t.cell(r, c.abs, 0.0f));
     v->dObs = t.cell(r, c.d, kNoDColumn);
     v->diTable = t.cell(r, c.di, 0.0f);
     v->ddTable = t.cell(r, c.dd, 1.0f);
@@ -136,6 +134,55 @@ AtomColumns findAtomColumns(const ReadTable& t, const char* suffix) {
     return c;
 }
 
+// A residue number, index or flag that a real or text column holds beyond
+// what an integer column may hold: the read stops, as it would in an integer
+// column. False after the message.
+bool integerCellsFit(const ReadTable& t, int r, std::initializer_list<int> columns,
+                     const char* fileName) {
+    for (int column : columns) {
+        if (column < 0) continue;
+        float value = t.row(r)[column];
+        if (std::fabs(value) <= static_cast<float>(kResidLimit)) continue;
+        std::fprintf(stderr, "DC Error: bad number %g for %s in row %d of %s.\n",
+                     static_cast<double>(value), t.vars[column].name, r + 1, fileName);
+        return false;
+    }
+    return true;
+}
+
+// Vector slots a row takes in the fit workspace: 1, 9 when one of its atom
+// names is an expression, 81 when both are.
+int vectorCount(const ReadTable& t, int r, int atomColumnI, int atomColumnJ) {
+    char nameI[kNameSize], nameJ[kNameSize];
+    cellText(t.vars, t.row(r), atomColumnI, nameI);
+    cellText(t.vars, t.row(r), atomColumnJ, nameJ);
+    int expressions = isAtomExpression(nameI) + isAtomExpression(nameJ);
+    return expressions == 0 ? 1 : expressions == 1 ? 9 : 81;
+}
+
+// Checks what the table asks of the fit before anything is made for it, so
+// that a table too large to fit stops before its coupling records take the
+// memory: every integer cell, and the size of the fit workspace. NVEC, or -1
+// after a message.
+int64_t tableVectorCount(const ReadTable& t, const DTab* dTab, const char* fileName) {
+    AtomColumns colsI = findAtomColumns(t, "_I");
+    AtomColumns colsJ = findAtomColumns(t, "_J");
+    ValueColumns values = findValueColumns(t);
+    int64_t nvec = 45;
+    for (int r = 0; r < t.rows; r++) {
+        if (!integerCellsFit(t, r, {colsI.resid, colsJ.resid, values.index, values.abs}, fileName)) {
+            return -1;
+        }
+        nvec += vectorCount(t, r, colsI.atomname, colsJ.atomname);
+    }
+    int structures = dTab->pdbCount > 1 ? dTab->pdbCount : 1;
+    if (dcRealWorkSize(nvec, structures) > INT_MAX) {
+        std::fprintf(stderr, "DC Error Allocating DC Real Workspace.\n");
+        return -1;
+    }
+    return nvec;
+}
+
 int fillCouplings(const ReadTable& t, DTab* dTab, int keepTableDI) {
     AtomColumns colsI = findAtomColumns(t, "_I");
     AtomColumns colsJ = findAtomColumns(t, "_J");
@@ -158,9 +205,7 @@ int fillCouplings(const ReadTable& t, DTab* dTab, int keepTableDI) {
         }
         chooseDI(v, keepTableDI);
         widenResidRange(dTab, *v);
-        dTab->nvec += vectorCount(*v);
     }
-    dTab->nvec += 45;
     dTab->tensor.obsRms =
         counted > 0 ? static_cast<float>(std::sqrt(static_cast<double>(sum / counted))) : 0.0f;
     return dcWorkAlloc(dTab, 0);
@@ -185,7 +230,7 @@ int getAtomTabVals(const TabVar* vars, int varCount, const float* row, int resid
                    char* atomname, char* chainname, char* segname) {
     int found = 0;
     if (residLoc >= 0 && residLoc < varCount) {
-        *resid = static_cast<int>(row[residLoc]);
+        *resid = tabFloatToInt(row[residLoc]);
         found |= 1;
     }
     if (cellText(vars, row, atomnameLoc, atomname)) {
@@ -222,6 +267,11 @@ int readDC(const char* fileName, DTab* dTab, int keepTableDI) {
         t.release();
         return status;
     }
+    int64_t nvec = tableVectorCount(t, dTab, fileName);
+    if (nvec < 0) {
+        t.release();
+        return 1;
+    }
     readReferenceTensor(t.hdr, &dTab->tensor);
     unAlloc64("dc", dTab->couplings, static_cast<int64_t>(dTab->count) * sizeof(DCValue));
     dTab->count = 0;
@@ -236,7 +286,7 @@ int readDC(const char* fileName, DTab* dTab, int keepTableDI) {
     resetDC(dTab->couplings, t.rows);
     dTab->minResid = kFirstResidStart;
     dTab->maxResid = 0;
-    dTab->nvec = 0;
+    dTab->nvec = static_cast<int>(nvec);
     status = fillCouplings(t, dTab, keepTableDI);
     t.release();
     return status;

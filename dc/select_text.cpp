@@ -7,6 +7,7 @@
 
 #include "dc/select_dc.h"
 #include "util/alloc.h"
+#include "util/residue_number.h"
 #include "util/token.h"
 
 namespace {
@@ -134,7 +135,8 @@ int strSelectD(DCValue* couplings, int count, const char* text, int mode) {
         RangeSpec spec = readRange(line, n, tokenCount);
         resolveEnds(&spec, couplings, count, filters);
         if (isInteger(spec.a) && isInteger(spec.b)) {
-            int a = std::atoi(spec.a), b = std::atoi(spec.b);
+            int a = clampResid(std::strtoll(spec.a, nullptr, 10));
+            int b = clampResid(std::strtoll(spec.b, nullptr, 10));
             reportRange(a, b, filters);
             result = selectDRange(couplings, count, a, b, filters.chain, filters.seg, mode);
             n += spec.tokensUsed;

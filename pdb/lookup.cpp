@@ -3,6 +3,8 @@
 #include <strings.h>
 
 #include <cctype>
+#include <climits>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <initializer_list>
@@ -77,10 +79,16 @@ const char* findResName(const PDBData* pdb, int resID, const char* chain, const 
 
 int getResCount(const PDBData* pdb, int first, int last, const char* chain, const char* seg,
                 int* span, int* count) {
-    if (span) *span = last + 1 - first;
+    // In 64 bits, so that a range reaching the end of the int range ends.
+    int64_t width = static_cast<int64_t>(last) + 1 - first;
+    if (span) *span = width > INT_MAX ? INT_MAX : width < INT_MIN ? INT_MIN : static_cast<int>(width);
     int found = count ? *count : 0;
-    for (int resID = first; resID <= last; resID++) {
-        if (findRes(pdb, resID, chain, seg)) found++;
+    // No residue lies outside the structure's range, so only its part of
+    // the range is looked at.
+    int64_t from = pdb && first < pdb->resMin ? pdb->resMin : first;
+    int64_t to = pdb && last > pdb->resMax ? pdb->resMax : last;
+    for (int64_t resID = from; resID <= to; resID++) {
+        if (findRes(pdb, static_cast<int>(resID), chain, seg)) found++;
     }
     if (count) *count = found;
     return found;

@@ -13,13 +13,21 @@ constexpr int64_t kLongestText = INT_MAX - 1026;
 
 // Makes room for a text of the given length (terminator excluded), keeping
 // the first `keep` bytes when the text moves out of the caller's buffer.
-bool reserve(char** str, int64_t length, int keep, char* buffer, int* current, const char* who) {
+// A string grows by 1024 bytes, or to the length and 1026 more; with
+// doubling set it grows at least to twice its capacity, so that a text built
+// up piece by piece is copied a bounded number of times whatever the
+// allocator does with a growing block.
+bool reserve(char** str, int64_t length, int keep, char* buffer, int* current, const char* who,
+             bool doubling = false) {
     if (*current > length + 2) return true;
     if (length > kLongestText) {
         std::fprintf(stderr, "%s Error: alloc failed.\n", who);
         return false;
     }
     int64_t grown = static_cast<int64_t>(*current) + 1024;
+    if (doubling && grown < 2 * static_cast<int64_t>(*current))
+        grown = 2 * static_cast<int64_t>(*current);
+    if (grown > kLongestText + 1026) grown = kLongestText + 1026;
     if (grown <= length + 2) grown = length + 1026;
     char* block;
     if (*str == buffer) {
@@ -42,10 +50,12 @@ bool reserve(char** str, int64_t length, int keep, char* buffer, int* current, c
     return true;
 }
 
-// Appends add bytes of text to a string of known length.
+// Appends add bytes of text to a string of known length, growing it by
+// doubling: the line reader's own buffer.
 bool appendBytes(char** str, int64_t* length, const char* text, int add, char* buffer,
                  int* current) {
-    if (!reserve(str, *length + add, static_cast<int>(*length), buffer, current, "StrCatAlloc")) {
+    if (!reserve(str, *length + add, static_cast<int>(*length), buffer, current, "StrCatAlloc",
+                 true)) {
         return false;
     }
     std::memcpy(*str + *length, text, add);

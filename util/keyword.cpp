@@ -80,12 +80,11 @@ int getValByName(const char* option, const char* valueText, const KeyValue* tabl
         reportMissingValue(option);
         return -1;
     }
+    // A value that does not begin with a letter is a number, read as far as
+    // it goes: "_3" holds none and reads as 0.
     if (!startsWithLetter(valueText)) {
         float number;
-        if (!readReal(valueText, &number)) {
-            reportMissingValue(option);
-            return -1;
-        }
+        if (!readReal(valueText, &number)) number = 0.0f;
         if (value) *value = number;
         return 1;
     }

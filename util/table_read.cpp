@@ -3,6 +3,7 @@
 // lines, the second converts every data line straight into the matrix. Lines
 // of any length are read; ordinary ones never leave a stack buffer, and no
 // number costs a heap block.
+#include <climits>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -190,7 +191,14 @@ bool scanLine(const char* line, TableScan* scan) {
             scan->nullString = copy;
             return true;
         }
-        case LineKind::kData: scan->dataLines++; return true;
+        case LineKind::kData:
+            // The row count is an int: a file with more data lines cannot be held.
+            if (scan->dataLines == INT_MAX) {
+                std::fprintf(stderr, "RdTable error allocating data matrix.\n");
+                return false;
+            }
+            scan->dataLines++;
+            return true;
         default: return true;
     }
 }

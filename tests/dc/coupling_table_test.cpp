@@ -2,6 +2,7 @@
 // them on structures.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -11,6 +12,7 @@
 #include "dc/map_dc.h"
 #include "dc/read_dc.h"
 #include "dc_test_util.h"
+#include "support/checks.h"
 
 namespace {
 
@@ -262,6 +264,55 @@ TEST_F(MapDC, RealTableMapsOntoModelWithFixedOrMeasuredDI) {
         EXPECT_EQ(v.diFixed, 0);
         expectNear(v.di, measuredDI(v, v.bondType == 1 ? kGammaN : kGammaC, kGammaH));
     }
+}
+
+// Each build forgets the previous structure list and makes it anew, as the
+// allocation log shows: one release and one allocation of the list.
+TEST_F(MapDC, RepeatedBuildsReleaseAndRemakeTheStructureList) {
+    ASSERT_EQ(readDC(kRealTable.c_str(), &table, 0), 0);
+    PDBData* a = load(0, kModelA);
+    ASSERT_EQ(buildDC(a, &table, 0, 2, nullptr, 0, 1), 42);
+    setAlloc(1);
+    std::string log = stderrOf([&] { EXPECT_EQ(buildDC(a, &table, 0, 2, nullptr, 0, 1), 42); });
+    setAlloc(0);
+    std::size_t release = log.find("_MEM DEALLOC Name: dc");
+    std::size_t make = log.find("_MEM VOI_ALLOC Name: dc");
+    EXPECT_NE(release, std::string::npos) << log;
+    EXPECT_NE(make, std::string::npos) << log;
+    EXPECT_LT(release, make) << log;
+    EXPECT_NE(log.find(" Delete: 8 "), std::string::npos) << log;
+    EXPECT_NE(log.find(" Add: 8 "), std::string::npos) << log;
+}
+
+// Residue numbers at the ends of the range: neighbours are recognised without
+// overflow, and a residue shifted beyond +-999,999,999 maps nowhere.
+TEST_F(MapDC, ResiduesAtTheEndsOfTheRangeNeverOverflow) {
+    float di;
+    int fixed, bond;
+    findVariableDI(INT_MAX, "ALA", "C", INT_MIN, "ALA", "N", &di, &fixed, &bond, 1, 0.0f);
+    EXPECT_EQ(bond, 0);
+    findVariableDI(INT_MAX - 1, "ALA", "C", INT_MAX, "ALA", "N", &di, &fixed, &bond, 1, 0.0f);
+    EXPECT_EQ(bond, 6);
+    findVariableDI(INT_MIN + 1, "ALA", "N", INT_MIN, "ALA", "C", &di, &fixed, &bond, 1, 0.0f);
+    EXPECT_EQ(bond, 6);
+
+    ASSERT_EQ(readText("VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D\nFORMAT %d %s %d %s %f\n"
+                       "999999999 N 999999999 H 1.0\n-999999999 N -999999999 H 1.0\n5 N 5 H 1\n"),
+              0);
+    PDBData* a = load(0, kModelA);
+    EXPECT_EQ(buildDC(a, &table, 1, 1, nullptr, 0, 1), 1);
+    EXPECT_EQ(buildDC(a, &table, -2000000000, 1, nullptr, 0, 1), 0);
+    EXPECT_EQ(mapDCInfo(a, &table, 1999999998, 1), 0);
+    float weights[] = {4.0f};
+    DCValue far = table.couplings[0];
+    far.residI = far.residJ = INT_MAX;
+    findDCW(&far, weights, 1, -1);
+    EXPECT_EQ(far.w, 1.0f);
+    findDCW(&far, weights, 1, INT_MAX);
+    EXPECT_EQ(far.w, 2.0f);
+    int oldResids[] = {999999999}, newResids[] = {-999999999};
+    table.couplings[0].residJ = -999999999;
+    EXPECT_EQ(permuteDC(&a, 1, &table, newResids, oldResids, 1, 1), 0);
 }
 
 TEST_F(MapDC, ModelsOfUnequalAtomCountMapNothing) {

@@ -168,6 +168,45 @@ TEST_F(OrderMatrix, FewerThanFiveCouplingsAreFittedExactly) {
     for (int i = 0; i < table.count; i++) EXPECT_EQ(table.couplings[i].dCalc, 9999.0f);
 }
 
+// A build that stops early (a structure without atoms, models of unequal
+// atom count) leaves nothing for a fit to read: every coupling comes back
+// uncalculated, with no write past the workspace (the stale atom counts of
+// the previous build used to be fitted).
+TEST_F(OrderMatrix, FailedBuildLeavesNothingToFit) {
+    ASSERT_EQ(fit(), table.count);
+    PDBData empty;
+    pdbNull(&empty);
+    std::string shorter = readFile(kModelA);
+    shorter.erase(shorter.rfind("ATOM"));
+    PDBData* mismatched[2] = {&pdbs[0], load(2, shorter, true)};
+    for (int attempt = 0; attempt < 2; attempt++) {
+        SCOPED_TRACE(attempt);
+        if (attempt == 0) {
+            EXPECT_EQ(buildDC(&empty, &table, 0, 0, nullptr, 0, 1), 0);
+        } else {
+            testing::internal::CaptureStderr();
+            EXPECT_EQ(buildDCN(mismatched, 2, &table, 0, 0, nullptr, 0, 1), 0);
+            testing::internal::GetCapturedStderr();
+        }
+        EXPECT_EQ(fitDN(mismatched, 1, &table, 0, 0), 0);
+        EXPECT_EQ(table.svdCount, 0);
+        for (int i = 0; i < table.count; i++) {
+            const DCValue& v = table.couplings[i];
+            EXPECT_EQ(v.dCalc, 9999.0f) << i;
+            EXPECT_EQ(v.countI + v.countJ, 0) << i;
+            EXPECT_FALSE(isUsedDC(v)) << i;
+        }
+        // The back-calculation steps on their own find nothing either.
+        float c[5] = {1e-4f, 0, 0, 0, 0}, e[5] = {1, 1, 1, 1, 1};
+        findD(&table, c, e, table.count);
+        EXPECT_EQ(getSaupeD(&table), 0);
+        EXPECT_EQ(findS(&table, c, e, 0), 0);
+    }
+    // A good build afterwards fits as before.
+    ASSERT_EQ(buildDC(&pdbs[0], &table, 0, 0, nullptr, 0, 1), table.count);
+    EXPECT_EQ(fit(), table.count);
+}
+
 using reference::Mat3;
 
 struct Angles {

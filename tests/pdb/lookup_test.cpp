@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <string>
 
 #include "pdb/atom_list.h"
@@ -48,6 +49,21 @@ TEST_F(LookupTest, ResiduesChainsAndNeighbours) {
     EXPECT_EQ(findChain(&pdb, "B", ""), res(4)->chainRec);
     EXPECT_EQ(res(4)->chainRec->atomCount, 2);
     EXPECT_EQ(findChain(&pdb, "C", ""), nullptr);
+}
+
+// Counting residues over a range adds to the count and ends also when the
+// range reaches the end of the int range (it never did).
+TEST_F(LookupTest, ResidueCountsOverAnyRange) {
+    int span = 0, count = 10;
+    EXPECT_EQ(getResCount(&pdb, 0, 3, "A", "", &span, &count), 13);
+    EXPECT_EQ(span, 4);
+    count = 0;
+    EXPECT_EQ(getResCount(&pdb, 2, INT_MAX, "*", "*", &span, &count), 3);
+    EXPECT_EQ(span, INT_MAX - 1);
+    EXPECT_EQ(getResCount(&pdb, INT_MIN, INT_MAX, "B", "", &span, nullptr), 1);
+    EXPECT_EQ(span, INT_MAX);
+    EXPECT_EQ(getResCount(&pdb, INT_MAX, INT_MIN, "A", "", &span, nullptr), 0);
+    EXPECT_EQ(span, INT_MIN);
 }
 
 TEST_F(LookupTest, AtomsByNameAndAlternatives) {
