@@ -17,6 +17,13 @@ AllocState state;
 
 void reportFailure() { std::fprintf(stderr, "Memory allocation failure.\n"); }
 
+// Bytes of count elements of the given size; -1, which every allocator
+// refuses, when the product does not fit 64 bits.
+int64_t bytesOf(int64_t count, int64_t size) {
+    if (count < 0 || count > INT64_MAX / size) return -1;
+    return count * size;
+}
+
 void* takeBlock(const char* kind, const char* tag, int64_t bytes, bool zeroed) {
     if (bytes < 0) {
         reportFailure();
@@ -68,23 +75,23 @@ void* resizeBlock(const char* kind, const char* tag, void* old, int64_t newBytes
 }  // namespace
 
 float* fltMalloc64(const char* tag, int64_t count) {
-    return static_cast<float*>(takeBlock("FLT_ALLOC", tag, count * 4, false));
+    return static_cast<float*>(takeBlock("FLT_ALLOC", tag, bytesOf(count, 4), false));
 }
 
 int* intMalloc64(const char* tag, int64_t count) {
-    return static_cast<int*>(takeBlock("INT_ALLOC", tag, count * 4, false));
+    return static_cast<int*>(takeBlock("INT_ALLOC", tag, bytesOf(count, 4), false));
 }
 
 int64_t* n64Malloc(const char* tag, int64_t count) {
-    return static_cast<int64_t*>(takeBlock("NMRINT_ALLOC", tag, count * 8, false));
+    return static_cast<int64_t*>(takeBlock("NMRINT_ALLOC", tag, bytesOf(count, 8), false));
 }
 
 double* dFltMalloc64(const char* tag, int64_t count) {
-    return static_cast<double*>(takeBlock("DBL_ALLOC", tag, count * 8, false));
+    return static_cast<double*>(takeBlock("DBL_ALLOC", tag, bytesOf(count, 8), false));
 }
 
 long* dIntMalloc64(const char* tag, int64_t count) {
-    return static_cast<long*>(takeBlock("LNG_ALLOC", tag, count * 8, false));
+    return static_cast<long*>(takeBlock("LNG_ALLOC", tag, bytesOf(count, 8), false));
 }
 
 char* charMalloc64(const char* tag, int64_t bytes) {
@@ -100,11 +107,13 @@ void* voidMallocNull64(const char* tag, int64_t bytes) {
 }
 
 int* intReMalloc64(const char* tag, int* old, int64_t newCount, int64_t oldCount) {
-    return static_cast<int*>(resizeBlock("INT_RE_AL", tag, old, newCount * 4, oldCount * 4));
+    return static_cast<int*>(
+        resizeBlock("INT_RE_AL", tag, old, bytesOf(newCount, 4), oldCount * 4));
 }
 
 float* fltReMalloc64(const char* tag, float* old, int64_t newCount, int64_t oldCount) {
-    return static_cast<float*>(resizeBlock("FLT_RE_AL", tag, old, newCount * 4, oldCount * 4));
+    return static_cast<float*>(
+        resizeBlock("FLT_RE_AL", tag, old, bytesOf(newCount, 4), oldCount * 4));
 }
 
 char* charReMalloc64(const char* tag, char* old, int64_t newBytes, int64_t oldBytes) {
@@ -182,6 +191,10 @@ float** Mat2Ptr64(float* block, int64_t rows, int64_t columns) {
 
 float** MatMalloc64(const char* tag, int64_t rows, int64_t columns) {
     if (rows < 1 || columns < 1) return nullptr;
+    if (bytesOf(rows, columns) < 0) {
+        reportFailure();
+        return nullptr;
+    }
     float* block = fltMalloc64(tag, rows * columns);
     if (!block) return nullptr;
     float** matrix = Mat2Ptr64(block, rows, columns);
@@ -204,6 +217,10 @@ double** dMat2Ptr64(double* block, int64_t rows, int64_t columns) {
 
 double** dMatMalloc64(const char* tag, int64_t rows, int64_t columns) {
     if (rows < 1 || columns < 1) return nullptr;
+    if (bytesOf(rows, columns) < 0) {
+        reportFailure();
+        return nullptr;
+    }
     double* block = dFltMalloc64(tag, rows * columns);
     if (!block) return nullptr;
     double** matrix = dMat2Ptr64(block, rows, columns);

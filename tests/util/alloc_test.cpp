@@ -75,6 +75,17 @@ TEST_F(AllocTest, NullReleaseRefusedRequestAndContainersKeepTheBalance) {
               "\n_MEM NOOP_AL Name: dc Free: %p Delete: 0 Now: 4 Reused: 0\n");
     EXPECT_EQ(stderrOf([] { EXPECT_EQ(voidMalloc64("t", -1), nullptr); }),
               "Memory allocation failure.\n");
+    // Sizes whose byte count does not fit 64 bits are refused, not wrapped.
+    const int64_t huge = INT64_MAX / 4 + 1;
+    EXPECT_EQ(stderrOf([&] {
+                  EXPECT_EQ(fltMalloc64("t", huge), nullptr);
+                  EXPECT_EQ(dFltMalloc64("t", INT64_MAX / 8 + 1), nullptr);
+                  EXPECT_EQ(MatMalloc64("t", huge, 8), nullptr);
+                  EXPECT_EQ(fltReMalloc64("t", nullptr, huge, 0), nullptr);
+              }),
+              "Memory allocation failure.\nMemory allocation failure.\n"
+              "Memory allocation failure.\nMemory allocation failure.\n");
+    EXPECT_EQ(bytesInUse(), 4);
     strFree(held);
     {
         TrackedVector<int, "dc"> values(100, 7);
