@@ -200,6 +200,22 @@ TEST_F(ReadDC, NoneReadsNothingAndNoDColumnMeansNoObservation) {
     EXPECT_FLOAT_EQ(table.tensor.obsRms, 0.0f);
 }
 
+// A null text under a null marker no int can hold leaves the name empty; an
+// integer field that holds such a marker stops the read with its row.
+TEST_F(ReadDC, NullMarkersBeyondTheIntRangeAreNeverConverted) {
+    const std::string head =
+        "NULLVALUE 2147483647\nNULLSTRING *\nVARS INDEX RESID_I RESNAME_I "
+        "ATOMNAME_I RESID_J ATOMNAME_J D\nFORMAT %s %d %s %s %d %s %f\n";
+    ASSERT_EQ(readText(head + "a 3 * N 3 H 1.5\n"), 0);
+    EXPECT_STREQ(table.couplings[0].resNameI, "");
+    EXPECT_EQ(table.couplings[0].index, 0);
+    std::string err;
+    int status = 0;
+    err = stderrOf([&] { status = readText(head + "* 3 ALA N 3 H 1.5\n"); });
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(err.substr(0, err.find(" in row")), "DC Error: bad number 2.14748e+09 for INDEX");
+}
+
 class MapDC : public CouplingTest {
   protected:
     // DI of a mapped coupling computed here from its atoms' coordinates: the
