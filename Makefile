@@ -6,7 +6,7 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 RELEASE_DIR := build/release
 SANITIZE_DIR := build/sanitize
 
-.PHONY: all build test test-release test-sanitize demo bench clean format
+.PHONY: all build test test-release test-sanitize demo bench fuzz fuzz-smoke clean format
 
 all: build
 
@@ -39,6 +39,20 @@ bench:
 	cmake --build build/bench -j $(JOBS)
 	@failed=0; for b in build/bench/bench/bench_*; do echo "== $$b"; $$b || failed=1; done; \
 	if [ $$failed -ne 0 ]; then echo "make bench: a benchmark missed its target"; exit 1; fi
+
+# libFuzzer targets (clang), one per reader, in their own build with
+# AddressSanitizer and UndefinedBehaviorSanitizer. fuzz-smoke runs each for
+# FUZZ_SECONDS and fails on any finding (fuzz/smoke.sh).
+FUZZ_DIR := build/fuzz
+FUZZ_SECONDS ?= 20
+
+fuzz:
+	cmake -S . -B $(FUZZ_DIR) --log-level=WARNING -DCMAKE_CXX_COMPILER=clang++ \
+		-DCMAKE_BUILD_TYPE=RelWithDebInfo -DDC_BUILD_FUZZ=ON
+	cmake --build $(FUZZ_DIR) -j $(JOBS)
+
+fuzz-smoke: fuzz
+	fuzz/smoke.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

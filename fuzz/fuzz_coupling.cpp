@@ -1,0 +1,99 @@
+// The coupling path of a simulation run: the bytes are a coupling table,
+// read and then selected, mapped onto a small fixed structure, fitted and
+// written out as a simulation run does it, and released.
+//
+// Run settings a user would give on the command line (selection mode, DI
+// from fixed geometry or from distances, keeping the table's DI, weights,
+// output columns, mirror solutions) are taken from a hash of the input, so
+// that every combination is reached without changing the table text.
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "app/residue_range.h"
+#include "app/settings.h"
+#include "dc/dipolar.h"
+#include "dc/dtab.h"
+#include "dc/map_dc.h"
+#include "dc/read_dc.h"
+#include "dc/select_dc.h"
+#include "dc/statistics.h"
+#include "dc/write_dc.h"
+#include "fit/fit_driver.h"
+#include "fuzz/fixtures.h"
+#include "fuzz/fuzz_support.h"
+#include "pdb/backbone.h"
+#include "pdb/modes.h"
+#include "pdb/reader.h"
+#include "pdb/structure.h"
+
+namespace {
+
+// Residue range of the missing shift table, as a run without -inCS sees it.
+constexpr int kNoShiftFirst = 1000000;
+constexpr int kNoShiftLast = 0;
+
+PDBData structure;
+
+uint32_t hashBytes(const uint8_t* data, size_t size) {
+    uint32_t h = 2166136261u;
+    for (size_t i = 0; i < size; i++) h = (h ^ data[i]) * 16777619u;
+    return h;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    fuzz::quietStreams();
+    setPDBWarn(1);
+    std::string path = fuzz::scratchPath("peptide.pdb");
+    fuzz::writeFile(path, fuzz::kPeptidePDB);
+    pdbNull(&structure);
+    if (readPDB(path.c_str(), &structure, nullptr) != 0 || structure.resCount < 1) {
+        dprintf(2, "dc fuzz: the fixed structure cannot be read\n");
+        std::abort();
+    }
+    updatePhiPsi(&structure, structure.resMin, structure.resMax);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const std::string path = fuzz::scratchPath("in.tab");
+    fuzz::writeFile(path, data, size);
+    uint32_t flags = hashBytes(data, size);
+    int64_t start = fuzz::bytesInUse();
+
+    RunSettings s;
+    runSettingsNull(&s);
+    std::snprintf(s.inName, sizeof s.inName, "%s", path.c_str());
+    s.inclMode = 1 + static_cast<int>(flags % 4);
+    s.fixedDI = (flags >> 2) & 1;
+    s.keepDI = (flags >> 3) & 1;
+    s.mirror = (flags >> 4) & 1;
+    int columnStyle = static_cast<int>((flags >> 5) % 3);
+    static const float weights[] = {1.0f, 0.5f, 2.0f, 0.0f};
+    bool weighted = (flags >> 7) & 1;
+
+    DTab dTab;
+    dTabNull(&dTab);
+    if (readDC(s.inName, &dTab, s.keepDI) == 0) {
+        applyResidueRangeDefaults(&s, dTab.minResid, dTab.maxResid, kNoShiftFirst, kNoShiftLast);
+        int selected = selectD(dTab.couplings, dTab.count, s.res1, s.resN, s.inclMode);
+        skipD(dTab.couplings, dTab.count, s.skipList, s.skipCount, selected);
+        buildDC(&structure, &dTab, s.aRes1 - s.res1, s.res1, weighted ? weights : nullptr,
+                weighted ? 4 : 0, s.fixedDI);
+        fitD(&structure, &dTab, s.retries, 0);
+        if (dTab.count > 0) {
+            writeDC("/dev/null", &dTab, columnStyle, s.mirror, "DC: fuzz PDB: peptide");
+            float rms, chiSq;
+            int n;
+            getStatDC(dTab.couplings, dTab.count, &rms, &chiSq, &n);
+        }
+    }
+    dTabFree(&dTab);
+    dipolarFree();
+    runSettingsFree(&s);
+    fuzz::checkBalance(start, "coupling table input");
+    return 0;
+}
