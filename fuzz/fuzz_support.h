@@ -3,8 +3,11 @@
 // input gives back every byte the tracked allocator handed out.
 #pragma once
 
+#include <signal.h>
+#include <sys/types.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -35,12 +38,29 @@ inline void quietStreams() {
     }
 }
 
+// Removes the scratch folders of fuzz processes that are gone: a crash (and
+// every run of -minimize_crash) ends without the clean-up at exit. A folder
+// is named for its process's id, so one is removed only when no process of
+// that id is alive.
+inline void removeStaleScratchDirs(const std::string& base) {
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(base, ignored)) {
+        std::string name = entry.path().filename().string();
+        long pid = 0;
+        if (std::sscanf(name.c_str(), "dc_fuzz_%ld_", &pid) != 1 || pid <= 0) continue;
+        if (kill(static_cast<pid_t>(pid), 0) == 0 || errno != ESRCH) continue;
+        std::filesystem::remove_all(entry.path(), ignored);
+    }
+}
+
 // A folder of this process's own under $TMPDIR (or /tmp), made on first use
 // and removed when the process exits normally.
 inline const std::string& scratchDir() {
     static const std::string dir = [] {
-        const char* base = std::getenv("TMPDIR");
-        std::string path = std::string(base && *base ? base : "/tmp") + "/dc_fuzz_XXXXXX";
+        const char* tmp = std::getenv("TMPDIR");
+        std::string base = tmp && *tmp ? tmp : "/tmp";
+        removeStaleScratchDirs(base);
+        std::string path = base + "/dc_fuzz_" + std::to_string(getpid()) + "_XXXXXX";
         if (!mkdtemp(path.data())) {
             std::perror("dc fuzz: cannot make a scratch folder");
             std::abort();
