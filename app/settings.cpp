@@ -1,5 +1,6 @@
 #include "app/settings.h"
 
+#include <cstdio>
 #include <cstring>
 
 #include "util/alloc.h"
@@ -9,6 +10,8 @@ void runSettingsNull(RunSettings* s) {
     std::strcpy(s->listName, "pdb.list");
     std::strcpy(s->rcSurfName, "rc.tab");
     std::strcpy(s->homoSurfName, "homo.tab");
+    // The surfaces built with DC, unless SURF_DIR or -sPath name others.
+    std::snprintf(s->surfDir, sizeof s->surfDir, "%s", DC_SURFACE_DIR);
     s->res1 = kUnset;
     s->resN = kUnset;
     s->segID = 1;

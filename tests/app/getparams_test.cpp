@@ -105,6 +105,8 @@ TEST_F(GetParamsTest, ValueOptionsAndSwitches) {
 }
 
 TEST_F(GetParamsTest, OptionBeatsEnvironmentBeatsDefault) {
+    read({"-pdb", "a.pdb"});
+    EXPECT_STREQ(s.surfDir, DC_SURFACE_DIR);  // the surfaces built with DC
     setenv("PDBH_LIST", "env.list", 1);
     setenv("PDBH_DIR", "/env/pdb", 1);
     setenv("SURF_DIR", "/env/surf", 1);
