@@ -58,7 +58,8 @@ struct PDBResidue {
     float phi, psi;
     float omega;
     const ResType* resType;
-    Surface* surface;
+    Surface* surface;  // conformation surface, set at the end of indexing
+    float score;       // the last surface value, homology value or conformation score
     PDBAtom** atoms;
 };
 
