@@ -84,7 +84,9 @@ int readTable(const char* path, HSymTab** out) {
     return status;
 }
 
-bool isGlycine(const char* name) { return strcasecmp(name, "G") == 0 || strcasecmp(name, "GLY") == 0; }
+bool isGlycine(const char* name) {
+    return strcasecmp(name, "G") == 0 || strcasecmp(name, "GLY") == 0;
+}
 
 bool present(const char* name) { return name && name[0]; }
 
