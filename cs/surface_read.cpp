@@ -193,6 +193,7 @@ int surfReadCS(const char* dir, const char* name, Surface* surface) {
         {".d.dat", &Surface::density, "TESSERA Error reading density surface %s\n"},
         {".q.dat", &Surface::dev, "TESSERA Error reading dev surface %s\n"},
     };
+    if (!surface) return 1;
     if (!dir) dir = "";
     if (!name) name = "";
     Surface s;
