@@ -6,6 +6,9 @@
 #include "app/residue_range.h"
 #include "app/settings.h"
 #include "app/simulation.h"
+#include "cs/cs_tab.h"
+#include "cs/read_cs.h"
+#include "cs/surface.h"
 #include "dc/dipolar.h"
 #include "dc/dtab.h"
 #include "dc/read_dc.h"
@@ -18,30 +21,40 @@
 
 namespace {
 
-// The residue range of a shift table that holds no rows. Until shift tables
-// are read here, every run sees this one, so that a run with neither table
-// covers residues 0 to 1000000.
-constexpr int kEmptyShiftFirst = 1000000;
-constexpr int kEmptyShiftLast = 0;
-
-// The reading steps and the run mode. The shift table, the surfaces and
-// the homology search join here as they are built.
-int runSteps(RunSettings* settings, DTab* dTab) {
-    int status = readDC(settings->inName, dTab, settings->keepDI);
+// The reading steps and the run mode. The homology search joins here as it
+// is built.
+int runSteps(RunSettings* settings, DTab* dTab, CSTab* cs) {
+    int status = 0;
+    // Surfaces are read only for a shift table, before the tables, so that
+    // its rows find their random-coil values and surfaces as they are read.
+    if (settings->csName[0]) {
+        status = surfRead(settings->surfDir, settings->rcSurfName, settings->homoSurfName, 0);
+        if (status != 0) {
+            std::fprintf(stderr, "DC Error Reading Secondary Shift Surfaces.\n");
+            return status;
+        }
+    }
+    status = readDC(settings->inName, dTab, settings->keepDI);
     if (status != 0) {
         std::fprintf(stderr, "DC Error Reading D Values in %s\n", settings->inName);
         return status;
     }
-    applyResidueRangeDefaults(settings, dTab->minResid, dTab->maxResid, kEmptyShiftFirst,
-                              kEmptyShiftLast);
-    if (settings->pdbName[0]) return simDC(dTab, settings);
+    status = readCS(settings->csName, cs);
+    if (status != 0) {
+        std::fprintf(stderr, "DC Error Reading CS Values in %s\n", settings->csTitle);
+        return status;
+    }
+    applyResidueRangeDefaults(settings, dTab->minResid, dTab->maxResid, cs->resMin, cs->resMax);
+    if (settings->pdbName[0]) return simDC(dTab, cs, settings);
     return 0;
 }
 
 // Everything main owns is released on every path, then the balance is shown.
-void cleanUp(RunSettings* settings, DTab* dTab) {
+void cleanUp(RunSettings* settings, DTab* dTab, CSTab* cs) {
+    csTabFree(cs);
     dTabFree(dTab);
     dipolarFree();
+    surfFree();
     runSettingsFree(settings);
     freeToken();
     ctempFree();
@@ -57,6 +70,8 @@ int dcMain(int argc, char** argv) {
     dipolarNull();
     DTab dTab;
     dTabNull(&dTab);
+    CSTab cs;
+    csTabNull(&cs);
 
     initArgs(argc, argv, 4);
     int status = getparams(argc, argv, &settings, &dTab);
@@ -67,8 +82,8 @@ int dcMain(int argc, char** argv) {
     } else {
         checkArgs(argc, argv);
         if (dbgFlag() > 1) setAlloc(1);
-        status = runSteps(&settings, &dTab);
+        status = runSteps(&settings, &dTab, &cs);
     }
-    cleanUp(&settings, &dTab);
+    cleanUp(&settings, &dTab, &cs);
     return status;
 }

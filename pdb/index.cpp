@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "cs/structure_scores.h"
 #include "pdb/keys.h"
 #include "pdb/lists.h"
 #include "pdb/lookup.h"
@@ -258,5 +259,7 @@ int indexPDB(PDBData* pdb) {
     if (listGroupResidues(pdb) != 0) return 1;
     if (buildResidueIndices(pdb) != 0) return 1;
     linkNeighbours(pdb);
+    // Each residue's conformation surface, with xPRO before a proline.
+    setPhiPsiSurf(pdb->residues, pdb->resCount, 1);
     return 0;
 }
