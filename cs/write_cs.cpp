@@ -111,7 +111,7 @@ void writeRow(FILE* out, const Layout& layout, const CSValue& row) {
 
 void writeTable(FILE* out, const CSTab* table, const char* remark, const Layout& layout) {
     std::fprintf(out, "REMARK TESSERA Chemical Shift Simulation.\n");
-    if (remark) std::fprintf(out, "\nREMARK %s\n", remark);
+    if (remark && remark[0]) std::fprintf(out, "\nREMARK %s\n", remark);
     if (layout.ringCurrents) writeRingCurrentNote(out, table->ringMode, layout.observed);
     std::fprintf(out, "\n");
     writeStatistics(out, table);

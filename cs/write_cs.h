@@ -8,5 +8,5 @@
 
 // Writes to path, or standard output for an empty or null path or when the
 // file cannot be opened (after "TESSERA Error opening output file %s\n").
-// remark, when given, is written as a REMARK line. Returns 0.
+// remark, when given and not empty, is written as a REMARK line. Returns 0.
 int writeCS(const char* path, const CSTab* table, const char* remark, int canonical, int observed);

@@ -4,6 +4,9 @@
 // header's sequence and, beyond it, from the table's rows.
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <map>
+#include <sstream>
 #include <string>
 
 #include "cs/random_coil.h"
@@ -95,6 +98,64 @@ TEST_F(ShiftRowSurface, RandomCoilShiftsFromNeighbourNames) {
     EXPECT_EQ(row(6).rc, 118.0f);                                  // the table's own
     EXPECT_EQ(row(5).rc, 9999.0f);                                 // no HA entry
     EXPECT_EQ(row(13).rc, 9999.0f);                                // no proline entry
+}
+
+// The rc.tab entries read independently: "residue,atom,type,offset" to value.
+std::map<std::string, double> randomCoilEntries(const std::string& path) {
+    std::map<std::string, double> entries;
+    std::istringstream lines(readFile(path));
+    for (std::string line; std::getline(lines, line);) {
+        char res[32], atom[32], type[32];
+        int offset;
+        double value;
+        char rest;
+        if (std::sscanf(line.c_str(), "%31s %31s %31s %d %lf %c", res, atom, type, &offset, &value,
+                        &rest) != 5) {
+            continue;
+        }
+        entries[std::string(res) + "," + atom + "," + type + "," + std::to_string(offset)] = value;
+    }
+    return entries;
+}
+
+// Ubiquitin's shift table with the surfaces DC is built with: every row
+// gets a surface, residues before a proline (Glu 18, Ile 36, Pro 37) the
+// xPRO ones, each glycine alpha proton the surface of its size, and every
+// row the random-coil shift its sequence neighbours give, as summed here
+// from the table file itself.
+TEST_F(ShiftRowSurface, UbiquitinRowsWithTheBuiltSurfaces) {
+    surfFree();
+    ASSERT_EQ(surfRead(DC_SURFACE_DIR, "rc.tab", "None", 0), 0);
+    ASSERT_EQ(readCS(DC_TEST_DATA "/ubq/ubq_cs.tab", &table), 0);
+    ASSERT_EQ(table.count, 438);
+    ASSERT_EQ(table.seq->length, 76);
+    std::string sequence = table.seq->letters;
+    auto entries = randomCoilEntries(std::string(DC_SURFACE_DIR) + "/rc.tab");
+    auto entry = [&](int resid, const CSValue& v, const char* type, int offset, double* sum) {
+        if (resid < 1 || resid > 76) return false;
+        std::string key = sequence.substr(resid - 1, 1) + "," + v.atomName + "," + type + "," +
+                          std::to_string(offset);
+        auto found = entries.find(key);
+        if (found == entries.end()) return false;
+        *sum += found->second;
+        return true;
+    };
+    for (int i = 0; i < table.count; i++) {
+        const CSValue& v = row(i);
+        SCOPED_TRACE(std::to_string(v.resID) + " " + v.atomName);
+        ASSERT_NE(v.surface, nullptr);
+        std::string name = v.surface->name;
+        bool xpro = v.resID == 18 || v.resID == 36 || v.resID == 37;
+        EXPECT_EQ(name.find(std::string(".xPRO")) != std::string::npos, xpro) << name;
+        if (v.resID == 10 && std::string(v.atomName).rfind("HA", 0) == 0) {
+            EXPECT_EQ(name.substr(0, 7), std::string(v.atomName) + ".GLY");
+        }
+        double sum = 0.0;
+        ASSERT_TRUE(entry(v.resID, v, "RC", 0, &sum));
+        entry(v.resID, v, "ADJ", 0, &sum);
+        for (int offset : {-2, -1, 1, 2}) entry(v.resID + offset, v, "ADJ", offset, &sum);
+        EXPECT_NEAR(v.rc, sum, 1e-4);
+    }
 }
 
 }  // namespace

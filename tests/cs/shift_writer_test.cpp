@@ -68,7 +68,7 @@ TEST_F(ShiftWriter, LayoutsWithoutRingCurrents) {
                   "    3  ALA   CA    52.250    51.750    52.500     0.500     0.500 2.00\n"
                   "    4  CYS   HN     8.100  9999.000  9999.000  9999.000  9999.000 1.00\n"
                   "    5  ASP    N  9999.000   117.500   116.000  9999.000     1.250 1.00\n");
-    EXPECT_EQ(written(0, 0, nullptr), std::string("REMARK TESSERA Chemical Shift Simulation.\n") +
+    EXPECT_EQ(written(0, 0, ""), std::string("REMARK TESSERA Chemical Shift Simulation.\n") +
                                           kStatistics +
                                           "VARS    RESID RESNAME ATOMNAME SHIFT SIGMA W\n"
                                           "FORMAT  %4d %4s %4s %9.3f %9.3f %.2f\n\n"
