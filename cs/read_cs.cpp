@@ -2,6 +2,7 @@
 
 #include <strings.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -87,9 +88,25 @@ bool isGlycine(const char* resName) {
     return strcasecmp(resName, "G") == 0 || strcasecmp(resName, "GLY") == 0;
 }
 
+// Orders rows by residue (number, chain, segment), then by table order.
+bool residueBefore(const CSValue* rows, int a, int b) {
+    if (rows[a].resID != rows[b].resID) return rows[a].resID < rows[b].resID;
+    int byChain = std::strcmp(rows[a].chain, rows[b].chain);
+    if (byChain != 0) return byChain < 0;
+    int bySeg = std::strcmp(rows[a].seg, rows[b].seg);
+    return bySeg != 0 ? bySeg < 0 : a < b;
+}
+
 bool sameResidue(const CSValue& a, const CSValue& b) {
     return a.resID == b.resID && std::strcmp(a.chain, b.chain) == 0 &&
            std::strcmp(a.seg, b.seg) == 0;
+}
+
+// 2 for an HA2 row, 3 for an HA3 row, else 0.
+int alphaProton(const CSValue& v) {
+    if (strcasecmp(v.atomName, "HA2") == 0) return 2;
+    if (strcasecmp(v.atomName, "HA3") == 0) return 3;
+    return 0;
 }
 
 void readRow(const ReadTable& t, int r, const Columns& c, CSTab* table) {
@@ -116,30 +133,41 @@ void readRow(const ReadTable& t, int r, const Columns& c, CSTab* table) {
     if (v->resID > table->resMax) table->resMax = v->resID;
 }
 
-// Each glycine HA2 (HA3) row is linked to the first HA3 (HA2) row of the
-// same residue.
-void pairGlycines(CSTab* table, const CSResIndex& index) {
-    for (int i = 0; i < table->count; i++) {
-        CSValue* v = table->rows + i;
-        if (!isGlycine(v->resName)) continue;
-        const char* other;
-        if (strcasecmp(v->atomName, "HA2") == 0) {
-            other = "HA3";
-        } else if (strcasecmp(v->atomName, "HA3") == 0) {
-            other = "HA2";
-        } else {
-            continue;
-        }
-        int at = firstCSResRow(&index, v->resID);
-        for (; at >= 0 && at < index.count; at++) {
-            CSValue* candidate = table->rows + index.order[at];
-            if (candidate->resID != v->resID) break;
-            if (sameResidue(*v, *candidate) && strcasecmp(candidate->atomName, other) == 0) {
-                v->partner = candidate;
-                break;
-            }
-        }
+// Links the partners within one residue's alpha-proton rows (in table
+// order): each glycine HA2 (HA3) row to the first HA3 (HA2) row.
+void pairResidue(CSValue* rows, const int* order, int count) {
+    CSValue* first[4] = {nullptr, nullptr, nullptr, nullptr};
+    for (int k = count - 1; k >= 0; k--) first[alphaProton(rows[order[k]])] = rows + order[k];
+    for (int k = 0; k < count; k++) {
+        CSValue* v = rows + order[k];
+        if (isGlycine(v->resName)) v->partner = first[alphaProton(*v) == 2 ? 3 : 2];
     }
+}
+
+// The alpha-proton rows sorted by residue, so that each residue's are found
+// together however large the table. False after the message.
+bool pairGlycines(CSTab* table) {
+    int count = 0;
+    for (int i = 0; i < table->count; i++) count += alphaProton(table->rows[i]) != 0;
+    if (count == 0) return true;
+    int* order = intMalloc64("cs", count);
+    if (!order) {
+        std::fprintf(stderr, "DC Error Allocating CS Workspaces.\n");
+        return false;
+    }
+    for (int i = 0, k = 0; i < table->count; i++) {
+        if (alphaProton(table->rows[i])) order[k++] = i;
+    }
+    const CSValue* rows = table->rows;
+    std::sort(order, order + count, [rows](int a, int b) { return residueBefore(rows, a, b); });
+    for (int start = 0, end; start < count; start = end) {
+        for (end = start + 1; end < count; end++) {
+            if (!sameResidue(rows[order[start]], rows[order[end]])) break;
+        }
+        pairResidue(table->rows, order + start, end - start);
+    }
+    unAlloc64("cs", order, static_cast<int64_t>(count) * static_cast<int64_t>(sizeof(int)));
+    return true;
 }
 
 const char* nameOrNull(const char* name) { return std::strcmp(name, "None") == 0 ? nullptr : name; }
@@ -194,9 +222,9 @@ int fillTable(const ReadTable& t, CSTab* table) {
     Columns columns = findColumns(t);
     if (allocRows(table, t.rows) != 0) return 1;
     for (int r = 0; r < t.rows; r++) readRow(t, r, columns, table);
+    if (!pairGlycines(table)) return 1;
     CSResIndex index;
     if (makeCSResIndex(table->rows, table->count, &index) != 0) return 1;
-    pairGlycines(table, index);
     int status = readCSSeqInfo(t.hdr, table->seq);
     for (int r = 0; status == 0 && r < table->count; r++) {
         completeRow(table->rows + r, table->seq, index);
