@@ -21,7 +21,7 @@
 #include "dc/statistics.h"
 #include "dc/write_dc.h"
 #include "fit/fit_driver.h"
-#include "fuzz/fixtures.h"
+#include "fuzz/fixed_structure.h"
 #include "fuzz/fuzz_support.h"
 #include "pdb/backbone.h"
 #include "pdb/modes.h"
@@ -46,15 +46,7 @@ uint32_t hashBytes(const uint8_t* data, size_t size) {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     fuzz::quietStreams();
-    setPDBWarn(1);
-    std::string path = fuzz::scratchPath("peptide.pdb");
-    fuzz::writeFile(path, fuzz::kPeptidePDB);
-    pdbNull(&structure);
-    if (readPDB(path.c_str(), &structure, nullptr) != 0 || structure.resCount < 1) {
-        dprintf(2, "dc fuzz: the fixed structure cannot be read\n");
-        std::abort();
-    }
-    updatePhiPsi(&structure, structure.resMin, structure.resMax);
+    fuzz::loadPeptide(&structure);
     return 0;
 }
 
