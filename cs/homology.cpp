@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
-#include "cs/table_cell.h"
 #include "util/symtab.h"
 #include "util/table.h"
+#include "util/table_rows.h"
 
 namespace {
 

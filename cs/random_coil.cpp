@@ -5,10 +5,10 @@
 #include <cstdio>
 #include <cstring>
 
-#include "cs/table_cell.h"
 #include "util/symtab.h"
 #include "util/table.h"
 #include "util/table_format.h"
+#include "util/table_rows.h"
 
 namespace {
 

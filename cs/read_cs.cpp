@@ -18,6 +18,7 @@
 #include "util/residue_number.h"
 #include "util/table.h"
 #include "util/table_format.h"
+#include "util/table_rows.h"
 #include "util/token.h"
 
 namespace {
@@ -28,22 +29,7 @@ constexpr int kResMinStart = 1000000;
 // 5nm for m tensors) vanish, as this program has no pseudo-contact tensors.
 constexpr int64_t kWorkPerRow = 7;
 
-struct ReadTable {
-    float* values = nullptr;
-    int columns = 0;
-    int rows = 0;
-    TabVar* vars = nullptr;
-    TabHeader* hdr = nullptr;
-
-    const float* row(int r) const { return values + static_cast<int64_t>(r) * columns; }
-    float cell(int r, int column, float fallback) const {
-        return column < 0 ? fallback : row(r)[column];
-    }
-    void release() {
-        freeTab(values, vars, columns, rows);
-        freeHdr(hdr);
-    }
-};
+using ReadTable = TableRows;
 
 struct Columns {
     int resid, resname, atomname, chainname, segname;
@@ -72,14 +58,7 @@ Columns findColumns(const ReadTable& t) {
 // after the message.
 bool integerCellsFit(const ReadTable& t, const Columns& c, const char* path) {
     for (int r = 0; r < t.rows; r++) {
-        for (int column : {c.resid, c.index}) {
-            if (column < 0) continue;
-            float value = t.row(r)[column];
-            if (std::fabs(value) <= static_cast<float>(kResidLimit)) continue;
-            std::fprintf(stderr, "DC Error: bad number %g for %s in row %d of %s.\n",
-                         static_cast<double>(value), t.vars[column].name, r + 1, path);
-            return false;
-        }
+        if (!integerCellsFit(t, r, {c.resid, c.index}, path)) return false;
     }
     return true;
 }

@@ -15,6 +15,7 @@
 #include "util/residue_number.h"
 #include "util/table.h"
 #include "util/table_format.h"
+#include "util/table_rows.h"
 #include "util/token.h"
 
 namespace {
@@ -30,40 +31,15 @@ struct ValueColumns {
     int index, abs, d, di, dd, s, w, fc;
 };
 
-struct ReadTable {
-    float* values = nullptr;
-    int columns = 0;
-    int rows = 0;
-    TabVar* vars = nullptr;
-    TabHeader* hdr = nullptr;
+using ReadTable = TableRows;
 
-    const float* row(int r) const { return values + static_cast<long>(r) * columns; }
-    float cell(int r, int column, float fallback) const {
-        return column < 0 ? fallback : row(r)[column];
-    }
-    void release() {
-        freeTab(values, vars, columns, rows);
-        freeHdr(hdr);
-    }
-};
-
-// Copies text cell column of row into name (16 bytes): the text of a text
-// column, the printed value of any other.
+// The name in a cell (see tabCellName); false for an absent column.
 bool cellText(const TabVar* vars, const float* row, int column, char* name) {
     name[0] = '\0';
     if (column < 0) return false;
-    const TabVar& var = vars[column];
-    if (var.type == kTabText) {
-        int index = tabTextIndex(&var, row[column]);
-        if (index >= 0) copyText(name, kNameSize, var.texts[index]);
-        return true;
-    }
-    char text[1024];
-    getTabVal(row, vars, column, text, sizeof text);
-    const char* start = text;
-    while (*start == ' ') start++;
-    copyText(name, kNameSize, start);
-    name[strTrimLoc(name)] = '\0';
+    char cell[kNameSize];
+    tabCellName(vars, row, column, cell);
+    std::memcpy(name, cell, kNameSize);
     return true;
 }
 
@@ -134,22 +110,6 @@ AtomColumns findAtomColumns(const ReadTable& t, const char* suffix) {
     return c;
 }
 
-// A residue number, index or flag that a real or text column holds beyond
-// what an integer column may hold: the read stops, as it would in an integer
-// column. False after the message.
-bool integerCellsFit(const ReadTable& t, int r, std::initializer_list<int> columns,
-                     const char* fileName) {
-    for (int column : columns) {
-        if (column < 0) continue;
-        float value = t.row(r)[column];
-        if (std::fabs(value) <= static_cast<float>(kResidLimit)) continue;
-        std::fprintf(stderr, "DC Error: bad number %g for %s in row %d of %s.\n",
-                     static_cast<double>(value), t.vars[column].name, r + 1, fileName);
-        return false;
-    }
-    return true;
-}
-
 // Vector slots a row takes in the fit workspace: 1, 9 when one of its atom
 // names is an expression, 81 when both are.
 int vectorCount(const ReadTable& t, int r, int atomColumnI, int atomColumnJ) {
@@ -170,7 +130,8 @@ int64_t tableVectorCount(const ReadTable& t, const DTab* dTab, const char* fileN
     ValueColumns values = findValueColumns(t);
     int64_t nvec = 45;
     for (int r = 0; r < t.rows; r++) {
-        if (!integerCellsFit(t, r, {colsI.resid, colsJ.resid, values.index, values.abs}, fileName)) {
+        if (!integerCellsFit(t, r, {colsI.resid, colsJ.resid, values.index, values.abs},
+                             fileName)) {
             return -1;
         }
         nvec += vectorCount(t, r, colsI.atomname, colsJ.atomname);
