@@ -36,12 +36,6 @@ constexpr int kNoShiftLast = 0;
 
 PDBData structure;
 
-uint32_t hashBytes(const uint8_t* data, size_t size) {
-    uint32_t h = 2166136261u;
-    for (size_t i = 0; i < size; i++) h = (h ^ data[i]) * 16777619u;
-    return h;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -53,7 +47,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const std::string path = fuzz::scratchPath("in.tab");
     fuzz::writeFile(path, data, size);
-    uint32_t flags = hashBytes(data, size);
+    uint32_t flags = fuzz::hashBytes(data, size);
     int64_t start = fuzz::bytesInUse();
 
     RunSettings s;

@@ -30,12 +30,6 @@ namespace {
 
 PDBData structure;
 
-uint32_t hashBytes(const uint8_t* data, size_t size) {
-    uint32_t h = 2166136261u;
-    for (size_t i = 0; i < size; i++) h = (h ^ data[i]) * 16777619u;
-    return h;
-}
-
 void writeGrid(const std::string& path, float base, float threshold) {
     std::vector<float> grid(16);
     for (int i = 0; i < 16; i++) grid[i] = base + static_cast<float>(i) * 0.25f;
@@ -80,7 +74,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const std::string path = fuzz::scratchPath("in.tab");
     fuzz::writeFile(path, data, size);
-    uint32_t flags = hashBytes(data, size);
+    uint32_t flags = fuzz::hashBytes(data, size);
     int64_t start = fuzz::bytesInUse();
 
     CSTab cs;

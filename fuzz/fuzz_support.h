@@ -94,6 +94,14 @@ inline void writeFile(const std::string& path, const char* text) {
     writeFile(path, text, std::strlen(text));
 }
 
+// A hash of an input, for run settings that should vary with it while the
+// input's text stays as written.
+inline uint32_t hashBytes(const uint8_t* data, std::size_t size) {
+    uint32_t h = 2166136261u;
+    for (std::size_t i = 0; i < size; i++) h = (h ^ data[i]) * 16777619u;
+    return h;
+}
+
 inline int64_t bytesInUse() {
     int64_t inUse = 0;
     getMemUsed(&inUse, nullptr);
