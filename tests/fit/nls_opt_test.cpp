@@ -1,0 +1,292 @@
+#include "fit/nls_opt.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "fit/nls_errors.h"
+#include "support/checks.h"
+#include "util/alloc.h"
+
+namespace {
+
+using Floats = std::vector<float>;
+
+int evaluations = 0;
+
+// What one call handed back, copied out so the blocks can be released.
+struct Fit {
+    Floats x;
+    Floats residuals;
+    Floats inverse;
+    int status = -1;
+    int nOut = -1;
+};
+
+class NlsOpt : public testing::Test {
+  protected:
+    void SetUp() override {
+        resetNlsState();
+        resetNlsErrors();
+        evaluations = 0;
+        start_ = bytesInUse();
+    }
+    void TearDown() override { EXPECT_EQ(bytesInUse(), start_); }
+
+    // Runs nlsOpt, copies its outputs, releases them and checks the balance.
+    static Fit run(NlsResidualFn fn, int m, Floats& x, Floats& lo, Floats& hi, int maxIter = 200,
+                   int maxFcn = 800, int inverse = 0, int verbose = 0, double tol = 1.0e-6) {
+        int64_t before = bytesInUse();
+        Fit fit;
+        int n = static_cast<int>(x.size());
+        float* res = nullptr;
+        float* inv = nullptr;
+        float* out = nlsOpt(fn, m, n, x.data(), lo.data(), hi.data(), 5, maxIter, maxFcn, inverse,
+                            &res, &inv, &fit.nOut, &fit.status, verbose, tol);
+        fit.x.assign(out, out + n);
+        fit.residuals.assign(res, res + m);
+        fit.inverse.assign(inv, inv + n * n);
+        unAlloc64("nls", out, n * 4);
+        unAlloc64("nls", res, m * 4);
+        unAlloc64("nls", inv, n * n * 4);
+        EXPECT_EQ(bytesInUse(), before);
+        return fit;
+    }
+    int64_t start_ = 0;
+};
+
+// Minimum at (3, -2): outside the box [-1, 1]^2, so the fit ends on a corner.
+int farQuadratic(int m, int n, float* x, float* f) {
+    evaluations++;
+    f[0] = x[0] - 3.0f;
+    f[1] = 2.0f * (x[1] + 2.0f);
+    f[2] = 0.5f * (x[0] - 3.0f) + 0.1f * (x[1] + 2.0f);
+    return 0;
+}
+
+int rosenbrock(int m, int n, float* x, float* f) {
+    evaluations++;
+    f[0] = 10.0f * (x[1] - x[0] * x[0]);
+    f[1] = 1.0f - x[0];
+    return 0;
+}
+
+// A straight line through noisy points: the least-squares line is known in
+// closed form and the minimum is not zero.
+const float kT[6] = {0.0f, 1.0f, 2.0f, 3.0f, 4.0f, 5.0f};
+const float kY[6] = {1.1f, 2.9f, 5.2f, 6.8f, 9.1f, 11.0f};
+
+int line(int m, int n, float* x, float* f) {
+    evaluations++;
+    for (int i = 0; i < m; i++) f[i] = x[0] + x[1] * kT[i] - kY[i];
+    return 0;
+}
+
+// One residual, two parameters: any point of the line x0 + x1 = 1 is a minimum.
+int underdetermined(int m, int n, float* x, float* f) {
+    evaluations++;
+    f[0] = x[0] + x[1] - 1.0f;
+    return 0;
+}
+
+int constantResidual(int m, int n, float* x, float* f) {
+    evaluations++;
+    for (int i = 0; i < m; i++) f[i] = 0.0f * x[0] + 2.0f;
+    return 0;
+}
+
+int zeroResidual(int m, int n, float* x, float* f) {
+    evaluations++;
+    for (int i = 0; i < m; i++) f[i] = 0.0f;
+    return 0;
+}
+
+int separable(int m, int n, float* x, float* f) {
+    evaluations++;
+    f[0] = x[0] - 2.0f;
+    f[1] = x[1] - 3.0f;
+    return 0;
+}
+
+void expectFinite(const Fit& fit) {
+    for (float v : fit.x) EXPECT_TRUE(std::isfinite(v));
+    for (float v : fit.residuals) EXPECT_TRUE(std::isfinite(v));
+}
+
+}  // namespace
+
+TEST_F(NlsOpt, MinimumOutsideTheBoxEndsOnTheBound) {
+    Floats x = {0.0f, 0.0f}, lo = {-1.0f, -1.0f}, hi = {1.0f, 1.0f};
+    Fit fit = run(farQuadratic, 3, x, lo, hi);
+    EXPECT_EQ(fit.x[0], 1.0f);
+    EXPECT_EQ(fit.x[1], -1.0f);
+    EXPECT_EQ(fit.status, 0);
+    EXPECT_EQ(fit.nOut, 2);
+    // The residuals are those of the result.
+    EXPECT_FLOAT_EQ(fit.residuals[0], -2.0f);
+    EXPECT_FLOAT_EQ(fit.residuals[1], 2.0f);
+    EXPECT_FLOAT_EQ(fit.residuals[2], -0.9f);
+}
+
+TEST_F(NlsOpt, LineFitMatchesNormalEquationsAndItsCovariance) {
+    // Closed form in double: slope = Sty / Stt about the means.
+    double tm = 2.5, ym = 0.0, stt = 0.0, sty = 0.0;
+    for (float y : kY) ym += y / 6.0;
+    for (int i = 0; i < 6; i++) {
+        stt += (kT[i] - tm) * (kT[i] - tm);
+        sty += (kT[i] - tm) * (kY[i] - ym);
+    }
+    double slope = sty / stt, intercept = ym - slope * tm;
+    Floats x = {0.0f, 0.0f}, lo = {-100.0f, -100.0f}, hi = {100.0f, 100.0f};
+    Fit fit = run(line, 6, x, lo, hi, 200, 800, 1);
+    // The difference Jacobian is good to about 1e-3, so the iterates settle
+    // by the gradient or the relative function test near the optimum.
+    EXPECT_NEAR(fit.x[0], intercept, 5e-4);
+    EXPECT_NEAR(fit.x[1], slope, 5e-4);
+    EXPECT_TRUE(fit.status == 0 || fit.status == 1) << fit.status;
+    // (J^T J)^-1 for the design [1 t]: [[St2, -St], [-St, 6]] / (6 St2 - St^2), to
+    // the accuracy of a single-precision difference Jacobian.
+    double det = 6.0 * 55.0 - 15.0 * 15.0;
+    EXPECT_NEAR(fit.inverse[0], 55.0 / det, 2e-3);
+    EXPECT_NEAR(fit.inverse[1], -15.0 / det, 2e-3);
+    EXPECT_NEAR(fit.inverse[3], 6.0 / det, 2e-3);
+}
+
+TEST_F(NlsOpt, RosenbrockValleyConvergesToOneOne) {
+    Floats x = {-1.2f, 1.0f}, lo = {-5.0f, -5.0f}, hi = {5.0f, 5.0f};
+    Fit fit = run(rosenbrock, 2, x, lo, hi);
+    EXPECT_NEAR(fit.x[0], 1.0f, 1e-3);
+    EXPECT_NEAR(fit.x[1], 1.0f, 2e-3);
+    EXPECT_EQ(fit.status, 0);
+    expectFinite(fit);
+}
+
+TEST_F(NlsOpt, FixedParameterKeepsItsValueWhileOthersMove) {
+    Floats x = {0.0f, 0.5f}, lo = {-10.0f, 0.5f}, hi = {10.0f, 0.5f};
+    Fit fit = run(separable, 2, x, lo, hi);
+    // The gradient test stops at |g| x / objective <= 3.45e-4.
+    EXPECT_NEAR(fit.x[0], 2.0f, 1e-3);
+    EXPECT_EQ(fit.x[1], 0.5f);
+}
+
+TEST_F(NlsOpt, MoreParametersThanResidualsAndDegenerateProblemsGiveNoNaN) {
+    Floats x = {0.0f, 0.0f}, lo = {-5.0f, -5.0f}, hi = {5.0f, 5.0f};
+    Fit fit = run(underdetermined, 1, x, lo, hi);
+    EXPECT_NEAR(fit.x[0] + fit.x[1], 1.0f, 1e-4);
+    expectFinite(fit);
+
+    // No gradient at all: the start is the answer, with status 0.
+    x = {0.3f, -0.7f};
+    fit = run(constantResidual, 4, x, lo, hi);
+    EXPECT_EQ(fit.x, (Floats{0.3f, -0.7f}));
+    EXPECT_EQ(fit.status, 0);
+    EXPECT_EQ(fit.residuals, Floats(4, 2.0f));
+
+    x = {1.0f, 2.0f};
+    fit = run(zeroResidual, 3, x, lo, hi, 200, 800, 1);
+    EXPECT_EQ(fit.x, (Floats{1.0f, 2.0f}));
+    EXPECT_EQ(fit.status, 0);
+    expectFinite(fit);
+}
+
+TEST_F(NlsOpt, ClosedOrZeroIterationRunsEvaluateOnceAtTheStart) {
+    // Start 5 lies outside the closed range [1, 1]: the caller's value moves
+    // to the midpoint, the result keeps the start as passed.
+    Floats x = {5.0f, 2.0f}, lo = {1.0f, 2.0f}, hi = {1.0f, 2.0f};
+    Fit fit;
+    fit.status = 77;
+    int before = evaluations;
+    int64_t mem = bytesInUse();
+    float *res = nullptr, *inv = nullptr;
+    int nOut = 0, status = 77;
+    float* out = nlsOpt(separable, 2, 2, x.data(), lo.data(), hi.data(), 4, 100, 100, 1, &res, &inv,
+                        &nOut, &status, 0, 1e-8);
+    EXPECT_EQ(evaluations - before, 1);
+    EXPECT_EQ(status, 77);
+    EXPECT_EQ(out[0], 5.0f);
+    EXPECT_EQ(x[0], 1.0f);
+    EXPECT_EQ(res[0], -1.0f);  // evaluated at the adjusted start
+    EXPECT_EQ(inv[0], 1.0f);
+    unAlloc64("nls", out, 8);
+    unAlloc64("nls", res, 8);
+    unAlloc64("nls", inv, 16);
+    EXPECT_EQ(bytesInUse(), mem);
+
+    x = {0.0f, 0.0f};
+    lo = {-10.0f, -10.0f};
+    hi = {10.0f, 10.0f};
+    before = evaluations;
+    fit = run(separable, 2, x, lo, hi, 0);
+    EXPECT_EQ(evaluations - before, 1);
+    EXPECT_EQ(fit.status, -1);  // left unwritten
+    EXPECT_EQ(fit.x, (Floats{0.0f, 0.0f}));
+}
+
+TEST_F(NlsOpt, ReversedBoundsAreSwappedAndOutsideStartsMovedToTheMidpoint) {
+    Floats x = {9.0f, -1.0f}, lo = {4.0f, -1.0f}, hi = {-2.0f, 3.0f};
+    run(separable, 2, x, lo, hi, 0);
+    EXPECT_EQ(lo, (Floats{-2.0f, -1.0f}));
+    EXPECT_EQ(hi, (Floats{4.0f, 3.0f}));
+    EXPECT_EQ(x[0], 1.0f);   // midpoint of [-2, 4]
+    EXPECT_EQ(x[1], -1.0f);  // on its bound: kept
+}
+
+TEST_F(NlsOpt, LimitsGiveTheirCodesAndSilenceHidesOnlyTheText) {
+    Floats x = {-1.2f, 1.0f}, lo = {-5.0f, -5.0f}, hi = {5.0f, 5.0f};
+    Fit fit;
+    std::string quiet = stderrOf([&] { fit = run(rosenbrock, 2, x, lo, hi, 2, 800); });
+    EXPECT_EQ(fit.status, 3);
+    EXPECT_EQ(quiet, "");
+
+    x = {-1.2f, 1.0f};
+    std::string loud = stderrOf([&] { fit = run(rosenbrock, 2, x, lo, hi, 200, 3, 0, 1); });
+    EXPECT_EQ(fit.status, 4);
+    EXPECT_EQ(loud,
+              "\n *** WARNING ERROR 4 from U6LSF .\n"
+              " ***           Maximum number of function evaluations exceeded.\n");
+    expectFinite(fit);
+}
+
+namespace {
+
+int depth = 0;
+float innerResult = 0.0f;
+
+int innermost(int m, int n, float* x, float* f) {
+    f[0] = x[0] + 1.0f;
+    return 0;
+}
+
+// Each level runs nlsOpt one level deeper from inside its residual routine;
+// the second level has a closed range so that it evaluates only once.
+int nested(int m, int n, float* x, float* f) {
+    f[0] = x[0] - 2.0f;
+    if (depth >= 2) return 0;
+    depth++;
+    float lo = depth == 1 ? 0.0f : -10.0f, hi = depth == 1 ? 0.0f : 10.0f, start = 0.0f;
+    float *res = nullptr, *inv = nullptr;
+    int nOut = 0, status = 0;
+    float* out = nlsOpt(depth == 1 ? nested : innermost, 1, 1, &start, &lo, &hi, 5, 50, 200, 0,
+                        &res, &inv, &nOut, &status, 0, 1e-6);
+    if (depth == 2) innerResult = out[0];
+    unAlloc64("nls", out, 4);
+    unAlloc64("nls", res, 4);
+    unAlloc64("nls", inv, 4);
+    depth--;
+    return 0;
+}
+
+}  // namespace
+
+TEST_F(NlsOpt, ThirdNestedCallWarnsAndStillSolves) {
+    Floats x = {0.0f}, lo = {-10.0f}, hi = {10.0f};
+    Fit fit;
+    std::string err = stderrOf([&] { fit = run(nested, 1, x, lo, hi); });
+    EXPECT_NE(err.find("NLSOpt Error: nest level too high: 3\n"), std::string::npos);
+    EXPECT_EQ(err.find("level too high: 2"), std::string::npos);
+    EXPECT_NEAR(innerResult, -1.0f, 1e-4);
+    EXPECT_NEAR(fit.x[0], 2.0f, 1e-4);  // the outer routine was restored after each inner call
+    EXPECT_EQ(nlsSilentErr(), 0);       // and so was the message flag
+}
