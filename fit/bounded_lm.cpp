@@ -19,9 +19,9 @@ constexpr double kObjectiveFloor = 1.0e-19;
 struct Lm {
     const LsfProblem* p;
     const LsfOptions* o;
-    float* ftrial;   // m
-    float* xtrial;   // n
-    int64_t* held;   // n: 0 free, 1 held at a bound this iteration
+    float* ftrial;  // m
+    float* xtrial;  // n
+    int64_t* held;  // n: 0 free, 1 held at a bound this iteration
     int64_t* freeVar;
     double* block;
     int64_t blockSize;
@@ -107,7 +107,8 @@ double scaledGradient(const Lm& s) {
 
 double scaledStep(const Lm& s) {
     double worst = 0.0;
-    for (int64_t j = 0; j < s.p->n; j++) worst = std::fmax(worst, std::fabs(s.step[j]) / typicalX(s, j));
+    for (int64_t j = 0; j < s.p->n; j++)
+        worst = std::fmax(worst, std::fabs(s.step[j]) / typicalX(s, j));
     return worst;
 }
 
@@ -124,7 +125,8 @@ double predicted(const Lm& s) {
     for (int64_t j = 0; j < p.n; j++) gs += s.grad[j] * s.step[j];
     for (int64_t i = 0; i < p.m; i++) {
         double js = 0.0;
-        for (int64_t j = 0; j < p.n; j++) js += static_cast<double>(p.fjac[j * p.ldfjac + i]) * s.step[j];
+        for (int64_t j = 0; j < p.n; j++)
+            js += static_cast<double>(p.fjac[j * p.ldfjac + i]) * s.step[j];
         js *= p.fscale[i];
         model += js * js;
     }
@@ -160,8 +162,8 @@ void trialStep(Lm& s) {
     for (int64_t j = 0; j < p.n; j++) {
         full[j] = s.step[j];
         double to = p.x[j] + s.step[j];
-        float clamped = static_cast<float>(std::clamp(to, static_cast<double>(p.xlb[j]),
-                                                      static_cast<double>(p.xub[j])));
+        float clamped = static_cast<float>(
+            std::clamp(to, static_cast<double>(p.xlb[j]), static_cast<double>(p.xub[j])));
         if (s.step[j] != 0.0 && clamped != to) {
             cut = std::fmin(cut, (clamped - p.x[j]) / s.step[j]);
         }
@@ -246,8 +248,12 @@ int stopCode(Lm& s, const StepOutcome& step) {
     if (scaledGradient(s) <= s.o->gradtl) return 0;
     if (s.iter == 0) return -1;
     if (step.accepted && scaledStep(s) <= s.o->steptl) return 0;
-    int code = step.relative ? 1 : step.falseConv ? 2 : s.iter >= s.o->mxiter ? 3
-             : s.nfcn >= s.o->maxfcn ? 4 : s.njac >= s.o->maxjac ? 5 : 0;
+    int code = step.relative           ? 1
+               : step.falseConv        ? 2
+               : s.iter >= s.o->mxiter ? 3
+               : s.nfcn >= s.o->maxfcn ? 4
+               : s.njac >= s.o->maxjac ? 5
+                                       : 0;
     if (code != 0) {
         terminate(code, *s.o);
         return code;

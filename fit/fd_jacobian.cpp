@@ -9,10 +9,12 @@ namespace {
 int checkArguments(int64_t m, int64_t n, const float* xscale, float epsfcn, int64_t ldfjac) {
     if (m <= 0) {
         e1sti(1, m);
-        e1mes(kNlsTerminal, 1, "The number of functions must be positive while M = %(I1) is given.");
+        e1mes(kNlsTerminal, 1,
+              "The number of functions must be positive while M = %(I1) is given.");
     } else if (n <= 0) {
         e1sti(1, n);
-        e1mes(kNlsTerminal, 2, "The number of variables must be positive while N = %(I1) is given.");
+        e1mes(kNlsTerminal, 2,
+              "The number of variables must be positive while N = %(I1) is given.");
     } else if (ldfjac < m) {
         e1sti(1, ldfjac);
         e1sti(2, m);

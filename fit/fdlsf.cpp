@@ -11,10 +11,12 @@ constexpr float kNoBound = 1.0e20f;
 int checkArguments(int64_t m, int64_t n, int64_t ldfjac, int64_t ibtype) {
     if (m < 1) {
         e1sti(1, m);
-        e1mes(kNlsTerminal, 1, "The number of functions must be positive while M = %(I1) is given.");
+        e1mes(kNlsTerminal, 1,
+              "The number of functions must be positive while M = %(I1) is given.");
     } else if (n < 1) {
         e1sti(1, n);
-        e1mes(kNlsTerminal, 2, "The number of variables must be positive while N = %(I1) is given.");
+        e1mes(kNlsTerminal, 2,
+              "The number of variables must be positive while N = %(I1) is given.");
     } else if (ldfjac < m) {
         e1sti(1, ldfjac);
         e1sti(2, m);

@@ -6,8 +6,8 @@ namespace {
 
 // Cholesky solve of the damped system restricted to the free variables;
 // false when the matrix is not positive definite.
-bool solveDamped(int64_t n, const int64_t* freeVar, const double* g, const double* d,
-                 double lambda, LmStepWork* w, double* p) {
+bool solveDamped(int64_t n, const int64_t* freeVar, const double* g, const double* d, double lambda,
+                 LmStepWork* w, double* p) {
     const double* a = w->normal;
     double* l = w->factor;
     for (int64_t i = 0; i < n; i++) {

@@ -88,7 +88,8 @@ void checkTolerances(LsfOptions* o, const float* d) {
 // STEPMX and DELTA: -999 asks for the computed value silently, any other
 // non-positive value is fixed with a warning.
 void checkLengths(LsfOptions* o, int64_t n, const float* xguess, const float* xscale) {
-    float stepmx = 1000.0f * std::fmax(scaledNorm(n, xscale, xguess), scaledNorm(n, xscale, nullptr));
+    float stepmx =
+        1000.0f * std::fmax(scaledNorm(n, xscale, xguess), scaledNorm(n, xscale, nullptr));
     if (!(o->stepmx > 0.0f)) {
         if (o->stepmx != kLsfCompute) {
             e1str(1, o->stepmx);
@@ -153,7 +154,8 @@ LsfOptions checkLsfOptions(int64_t n, int64_t m, const float* xguess, float* xsc
               "entry is less than or equal to zero. The algorithm will use the identity scaling "
               "matrix for FSCALE.");
     }
-    LsfOptions o{ip[1], ip[2], ip[3], ip[4], ip[5], rp[0], rp[1], rp[2], rp[3], rp[4], rp[5], rp[6]};
+    LsfOptions o{ip[1], ip[2], ip[3], ip[4], ip[5], rp[0],
+                 rp[1], rp[2], rp[3], rp[4], rp[5], rp[6]};
     checkCounts(&o);
     checkTolerances(&o, defaults);
     checkLengths(&o, n, xguess, xscale);

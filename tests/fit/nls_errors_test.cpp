@@ -1,0 +1,188 @@
+#include "fit/nls_errors.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "fit/bclsf.h"
+#include "fit/fd_jacobian.h"
+#include "fit/matrix_inverse.h"
+#include "fit/nls_opt.h"
+#include "fit/nls_params.h"
+#include "support/checks.h"
+
+namespace {
+
+class NlsErrors : public testing::Test {
+  protected:
+    void SetUp() override {
+        resetNlsState();
+        resetNlsErrors();
+        start_ = bytesInUse();
+    }
+    void TearDown() override { EXPECT_EQ(bytesInUse(), start_); }
+    int64_t start_ = 0;
+};
+
+// Raises a message from inside the residual routine.
+void complaining(int64_t* m, int64_t* n, float* x, float* f) {
+    f[0] = x[0];
+    e1mes(kNlsWarning, 42, "Residual routine trouble.");
+}
+
+void square(int64_t* m, int64_t* n, float* x, float* f) {
+    f[0] = x[0] * x[0];
+    f[1] = x[0] * x[1];
+}
+
+}  // namespace
+
+TEST_F(NlsErrors, StackFaultsAndSwitchTextsAreReported) {
+    // The quoted texts keep their trailing blanks, and so do the names.
+    EXPECT_EQ(stderrOf([] { e1pop("B2LSF "); }),
+              "\n *** TERMINAL ERROR 1 from E1POP .\n"
+              " ***          Error condition in E1POP.  Cannot pop from B2LSF \n"
+              " ***          because stack is empty.\n");
+    e1psh("U6LSF ");
+    EXPECT_EQ(stderrOf([] { e1pop("F2JAC "); }),
+              "\n *** TERMINAL ERROR 2 from E1POP .\n"
+              " ***          Error condition in E1POP.  F2JAC  does not match the\n"
+              " ***          name U6LSF  in the stack.\n");
+    EXPECT_EQ(getFitStatus(), 2);
+    EXPECT_EQ(n1rty(), kNlsTerminal);
+    EXPECT_EQ(stderrOf([] { e1usr_("MAYBE"); }),
+              "\n *** TERMINAL ERROR 1 from E1USR .\n"
+              " ***          Invalid value for SWITCH in call to E1USR.  SWITCH must\n"
+              " ***          be set to 'ON' or 'OFF'.  SWITCH = 'MAYBE' \n");
+    // U6LSF is on the stack: 63 more fill it, the 64th is refused.
+    std::string deep = stderrOf([] {
+        for (int i = 0; i < 64; i++) e1psh("DEEP ");
+    });
+    EXPECT_EQ(deep,
+              "\n *** TERMINAL ERROR 1 from E1PSH .\n"
+              " ***          Error condition in E1PSH.  Push would cause stack level\n"
+              " ***          to exceed 64. \n");
+}
+
+TEST_F(NlsErrors, PrintLevelsAndSilenceStillSetTheStatus) {
+    e1psh("U6LSF ");
+    EXPECT_EQ(stderrOf([] { e1mes(kNlsNote, 7, "A note."); }), "");  // level 0 by default
+    EXPECT_EQ(getFitStatus(), 7);
+    EXPECT_EQ(setNlsPrintLevel(kNlsNote, 1), 0);
+    EXPECT_EQ(stderrOf([] { e1mes(kNlsNote, 8, "A note."); }),
+              "\n *** NOTE ERROR 8 from U6LSF .\n ***          A note.\n");
+    setNlsMessageFlag(0);
+    EXPECT_EQ(nlsSilentErr(), 1);
+    EXPECT_EQ(stderrOf([] { e1mes(kNlsFatal, 9, "Fatal."); }), "");
+    EXPECT_EQ(getFitStatus(), 9);
+    e1pop("U6LSF ");
+
+    EXPECT_EQ(setUserStopFlag(3), 0);
+    EXPECT_EQ(userStopFn(), 3);
+    EXPECT_EQ(setUserStopFlag(0), 3);
+    errTally();
+    EXPECT_EQ(getNlsErrorFlag(), 1);
+}
+
+TEST_F(NlsErrors, LongTextsWrapAtSeventyColumnsAndUserMessagesNameTheUser) {
+    std::string text(300, 'x');
+    for (size_t i = 7; i < text.size(); i += 8) text[i] = ' ';
+    e1psh("B2LSF ");
+    std::string out = stderrOf([&] { e1mes(kNlsAlert + 1, 1, text.c_str()); });
+    e1pop("B2LSF ");
+    std::istringstream lines(out);
+    int count = 0;
+    for (std::string line; std::getline(lines, line); count++) EXPECT_LE(line.size(), 70u) << line;
+    EXPECT_EQ(count, 8);
+
+    int64_t m = 1, n = 1, ld = 1;
+    float x = 2.0f, xs = 1.0f, fx = 2.0f, jac = 0.0f, tmp = 0.0f;
+    out = stderrOf([&] {
+        f2jac_(complaining, &m, &n, &x, &xs, &fx, 1e-7f, &jac, &ld, &tmp, nullptr, nullptr);
+    });
+    EXPECT_EQ(out, "\n *** WARNING ERROR 42 from USER.\n ***          Residual routine trouble.\n");
+    EXPECT_NEAR(jac, 1.0f, 1e-3);
+}
+
+TEST_F(NlsErrors, DifferenceJacobianRefusesBadArguments) {
+    int64_t m = 2, n = 2, ld = 2;
+    float x[2] = {1.5f, -2.0f}, xs[2] = {1.0f, 1.0f}, fx[2], jac[4], tmp[2];
+    square(&m, &n, x, fx);
+    ASSERT_EQ(f2jac_(square, &m, &n, x, xs, fx, 1.1920929e-7f, jac, &ld, tmp, nullptr, nullptr), 0);
+    const float exact[4] = {3.0f, -2.0f, 0.0f, 1.5f};  // column-major
+    for (int i = 0; i < 4; i++) EXPECT_NEAR(jac[i], exact[i], 2e-3) << i;
+    EXPECT_EQ(x[0], 1.5f);  // restored
+    EXPECT_EQ(x[1], -2.0f);
+
+    EXPECT_EQ(
+        stderrOf([&] { f2jac_(square, &m, &n, x, xs, fx, 0.2f, jac, &ld, tmp, nullptr, nullptr); }),
+        "\n *** TERMINAL ERROR 4 from F2JAC .\n"
+        " ***          The estimate for the relative noise in the function must\n"
+        " ***          be between 0.0 and 0.1 while EPSFCN = 0.2 is given.\n");
+    xs[1] = 0.0f;
+    EXPECT_EQ(stderrOf([&] {
+                  f2jac_(square, &m, &n, x, xs, fx, 1e-7f, jac, &ld, tmp, nullptr, nullptr);
+              }),
+              "\n *** TERMINAL ERROR 5 from F2JAC .\n"
+              " ***          The values for the diagonal scaling matrix must be\n"
+              " ***          positive while XSCALE(2) = 0 is given.\n");
+    ld = 1;
+    setNlsMessageFlag(0);
+    EXPECT_EQ(stderrOf([&] {
+                  f2jac_(square, &m, &n, x, xs, fx, 1e-7f, jac, &ld, tmp, nullptr, nullptr);
+              }),
+              "");
+    EXPECT_EQ(getFitStatus(), 3);
+}
+
+TEST_F(NlsErrors, WorkspaceEntryChecksSizesAndReleasesItsWorkspace) {
+    int64_t iparam[6];
+    float rparam[7];
+    u4lsf_(iparam, rparam);
+    int64_t m = 2, n = 2, ld = 2, ibtype = 0, status = -1;
+    float x0[2] = {1.0f, 1.0f}, lb[2] = {-5.0f, -5.0f}, ub[2] = {5.0f, 5.0f}, xs[2] = {1, 1},
+          fs[2] = {1, 1}, x[2], fvec[2], fjac[4];
+    bclsf(square, &m, &n, x0, &ibtype, lb, ub, xs, fs, iparam, rparam, x, fvec, fjac, &ld, &status);
+    EXPECT_EQ(status, 0);
+    EXPECT_LT(std::fabs(x[0]), 0.05f);
+
+    n = 0;
+    std::string err = stderrOf([&] {
+        bclsf(square, &m, &n, x0, &ibtype, lb, ub, xs, fs, iparam, rparam, x, fvec, fjac, &ld,
+              &status);
+    });
+    EXPECT_EQ(status, 2);
+    EXPECT_EQ(err.substr(0, 36), "\n *** TERMINAL ERROR 2 from BCLSF .\n");
+    n = 2;
+    m = int64_t{1} << 61;  // a workspace too large to address
+    err = stderrOf([&] {
+        bclsf(square, &m, &n, x0, &ibtype, lb, ub, xs, fs, iparam, rparam, x, fvec, fjac, &ld,
+              &status);
+    });
+    EXPECT_EQ(status, 3);
+    EXPECT_EQ(err,
+              "Memory allocation failure.\n"
+              "\n *** TERMINAL ERROR 3 from BCLSF .\n"
+              " ***          The workspace is based on N and M, where N = 2 and M =\n"
+              " ***          2305843009213693952 are given.\n");
+}
+
+TEST_F(NlsErrors, MatrixInverseAndNormalMatrix) {
+    const float a[9] = {4, 7, 2, 3, 6, 1, 2, 5, 3};  // determinant 9
+    float inv[9];
+    ASSERT_EQ(matInv64(a, inv, 3), 0);
+    const float expect[9] = {13, -11, -5, -7, 8, 2, 3, -6, 3};
+    for (int i = 0; i < 9; i++) EXPECT_NEAR(inv[i], expect[i] / 9.0f, 1e-5) << i;
+    const float singular[4] = {1, 2, 2, 4};
+    EXPECT_EQ(matInv64(singular, inv, 2), 1);
+
+    // J = [1 0; 1 1; 1 2] column-major: J^T J = [3 3; 3 5], inverse [5 -3; -3 3] / 6.
+    const float j[6] = {1, 1, 1, 0, 1, 2};
+    ASSERT_EQ(jtjInv(inv, j, 2, 3), 0);
+    EXPECT_NEAR(inv[0], 5.0f / 6.0f, 1e-6);
+    EXPECT_NEAR(inv[1], -0.5f, 1e-6);
+    EXPECT_NEAR(inv[3], 0.5f, 1e-6);
+}
