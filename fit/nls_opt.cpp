@@ -63,7 +63,10 @@ int placeStart(int n, float* x, float* lower, float* upper) {
             lower[i] = upper[i];
             upper[i] = t;
         }
-        if (!(x[i] >= lower[i] && x[i] <= upper[i])) x[i] = 0.5f * (lower[i] + upper[i]);
+        // A NaN bound leaves its side open rather than making the start NaN.
+        bool below = x[i] < lower[i] || (std::isnan(x[i]) && !std::isnan(lower[i]));
+        bool above = x[i] > upper[i] || (std::isnan(x[i]) && !std::isnan(upper[i]));
+        if (below || above) x[i] = 0.5f * (lower[i] + upper[i]);
         if (lower[i] != upper[i]) free++;
     }
     return free;

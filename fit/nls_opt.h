@@ -6,7 +6,8 @@
 // Fits the n parameters x (in/out) within [lower, upper] (in/out) so that the
 // m residuals of fn have the least sum of squares. A lower bound above its
 // upper one is swapped with it in the caller's arrays, and a start outside
-// its bounds is replaced there by their midpoint. With no free parameter
+// its bounds is replaced there by their midpoint (a NaN bound leaves its side
+// open). With no free parameter
 // (every lower bound equal to its upper one) or maxIter < 1 the solver is not
 // run: fn is evaluated once at the start, *fitStatus is not written, and the
 // result holds the start as passed in. Otherwise the solver runs with

@@ -166,9 +166,17 @@ TEST_F(NlsOpt, RosenbrockValleyConvergesToOneOne) {
 TEST_F(NlsOpt, FixedParameterKeepsItsValueWhileOthersMove) {
     Floats x = {0.0f, 0.5f}, lo = {-10.0f, 0.5f}, hi = {10.0f, 0.5f};
     Fit fit = run(separable, 2, x, lo, hi);
-    // The gradient test stops at |g| x / objective <= 3.45e-4.
     EXPECT_NEAR(fit.x[0], 2.0f, 1e-3);
     EXPECT_EQ(fit.x[1], 0.5f);
+
+    // A NaN bound is free and open on its side: the fit stops at the other.
+    x = {0.0f, 0.0f};
+    lo = {NAN, -10.0f};
+    hi = {1.5f, 10.0f};
+    fit = run(separable, 2, x, lo, hi);
+    EXPECT_EQ(x[0], 0.0f);
+    EXPECT_EQ(fit.x[0], 1.5f);
+    EXPECT_NEAR(fit.x[1], 3.0f, 1e-3);
 }
 
 TEST_F(NlsOpt, MoreParametersThanResidualsAndDegenerateProblemsGiveNoNaN) {
@@ -191,46 +199,29 @@ TEST_F(NlsOpt, MoreParametersThanResidualsAndDegenerateProblemsGiveNoNaN) {
     expectFinite(fit);
 }
 
-TEST_F(NlsOpt, ClosedOrZeroIterationRunsEvaluateOnceAtTheStart) {
-    // Start 5 lies outside the closed range [1, 1]: the caller's value moves
-    // to the midpoint, the result keeps the start as passed.
-    Floats x = {5.0f, 2.0f}, lo = {1.0f, 2.0f}, hi = {1.0f, 2.0f};
-    Fit fit;
-    fit.status = 77;
-    int before = evaluations;
-    int64_t mem = bytesInUse();
-    float *res = nullptr, *inv = nullptr;
-    int nOut = 0, status = 77;
-    float* out = nlsOpt(separable, 2, 2, x.data(), lo.data(), hi.data(), 4, 100, 100, 1, &res, &inv,
-                        &nOut, &status, 0, 1e-8);
-    EXPECT_EQ(evaluations - before, 1);
-    EXPECT_EQ(status, 77);
-    EXPECT_EQ(out[0], 5.0f);
-    EXPECT_EQ(x[0], 1.0f);
-    EXPECT_EQ(res[0], -1.0f);  // evaluated at the adjusted start
-    EXPECT_EQ(inv[0], 1.0f);
-    unAlloc64("nls", out, 8);
-    unAlloc64("nls", res, 8);
-    unAlloc64("nls", inv, 16);
-    EXPECT_EQ(bytesInUse(), mem);
-
-    x = {0.0f, 0.0f};
-    lo = {-10.0f, -10.0f};
-    hi = {10.0f, 10.0f};
-    before = evaluations;
-    fit = run(separable, 2, x, lo, hi, 0);
-    EXPECT_EQ(evaluations - before, 1);
-    EXPECT_EQ(fit.status, -1);  // left unwritten
-    EXPECT_EQ(fit.x, (Floats{0.0f, 0.0f}));
-}
-
-TEST_F(NlsOpt, ReversedBoundsAreSwappedAndOutsideStartsMovedToTheMidpoint) {
+TEST_F(NlsOpt, ClosedOrZeroIterationRunsEvaluateOnceAtTheAdjustedStart) {
+    // Reversed bounds are swapped; 9 lies outside [-2, 4] and moves to the
+    // midpoint in the caller's array; -1 on its bound is kept. The result
+    // holds the start as passed, the status is left unwritten.
     Floats x = {9.0f, -1.0f}, lo = {4.0f, -1.0f}, hi = {-2.0f, 3.0f};
-    run(separable, 2, x, lo, hi, 0);
+    Fit fit = run(separable, 2, x, lo, hi, 0, 800, 1);
     EXPECT_EQ(lo, (Floats{-2.0f, -1.0f}));
     EXPECT_EQ(hi, (Floats{4.0f, 3.0f}));
-    EXPECT_EQ(x[0], 1.0f);   // midpoint of [-2, 4]
-    EXPECT_EQ(x[1], -1.0f);  // on its bound: kept
+    EXPECT_EQ(x, (Floats{1.0f, -1.0f}));
+    EXPECT_EQ(fit.x, (Floats{9.0f, -1.0f}));
+    EXPECT_EQ(fit.residuals, (Floats{-1.0f, -4.0f}));  // at the adjusted start
+    EXPECT_EQ(fit.inverse, Floats(4, 1.0f));
+    EXPECT_EQ(fit.status, -1);
+    EXPECT_EQ(evaluations, 1);
+
+    x = {5.0f, 2.0f};
+    lo = {1.0f, 2.0f};
+    hi = {1.0f, 2.0f};
+    fit = run(separable, 2, x, lo, hi);
+    EXPECT_EQ(evaluations, 2);
+    EXPECT_EQ(fit.x[0], 5.0f);
+    EXPECT_EQ(x[0], 1.0f);
+    EXPECT_EQ(fit.status, -1);
 }
 
 TEST_F(NlsOpt, LimitsGiveTheirCodesAndSilenceHidesOnlyTheText) {
