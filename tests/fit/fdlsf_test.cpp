@@ -133,10 +133,6 @@ TEST_F(Fdlsf, DefaultsAndMachineConstants) {
               "\n *** TERMINAL ERROR 1 from AMACH .\n"
               " ***          The argument must be between 1 and 8 inclusive. N = 9\n");
     EXPECT_EQ(getFitStatus(), 1);
-    bad = 13;
-    EXPECT_EQ(stderrOf([&] { EXPECT_EQ(imach_(&bad), 0); }),
-              "*** TERMINAL ERROR 5 from IMACH.  The argument must be between 1 and 12 inclusive. "
-              "N = 13\n");
 }
 
 TEST_F(Fdlsf, ArgumentErrorsStopBeforeAnyEvaluation) {

