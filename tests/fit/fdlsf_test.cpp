@@ -107,24 +107,15 @@ std::string warning(int code, const std::string& lines) {
 
 }  // namespace
 
-TEST_F(Fdlsf, DefaultsAndMachineConstants) {
+TEST_F(Fdlsf, DefaultsAndMachineConstantRange) {
     int64_t ip[6];
     float rp[7];
     u4lsf_(ip, rp);
     EXPECT_EQ(std::vector<int64_t>(ip, ip + 6), (std::vector<int64_t>{1, 24, 100, 400, 100, 1}));
-    EXPECT_FLOAT_EQ(rp[0], 3.4526698e-04f);
-    EXPECT_FLOAT_EQ(rp[1], 2.4221818e-05f);
-    EXPECT_FLOAT_EQ(rp[2], 2.4221818e-05f);
-    EXPECT_FLOAT_EQ(rp[3], 1.4210855e-14f);
-    EXPECT_FLOAT_EQ(rp[4], 1.1920929e-05f);
-    EXPECT_EQ(rp[5], -999.0f);
-    EXPECT_EQ(rp[6], -999.0f);
-
-    const float reals[8] = {1.1754944e-38f, 3.4028235e+38f, 1.1920929e-08f, 1.1920929e-07f,
-                            0.30103f,       1.7011e+38f,    1.70102e+38f,   -1.70102e+38f};
-    for (int64_t k = 1; k <= 8; k++) EXPECT_EQ(amach_(&k), reals[k - 1]) << k;
-    const int64_t ints[12] = {32, 4, 2, 31, 2147483647, 2, 24, -127, 127, 56, -127, 127};
-    for (int64_t k = 1; k <= 12; k++) EXPECT_EQ(imach_(&k), ints[k - 1]) << k;
+    // sqrt(eps), eps^(2/3) twice, eps^2, 100 eps; STEPMX and DELTA left to compute.
+    const float expect[7] = {3.4526698e-04f, 2.4221818e-05f, 2.4221818e-05f, 1.4210855e-14f,
+                             1.1920929e-05f, -999.0f,        -999.0f};
+    for (int i = 0; i < 7; i++) EXPECT_FLOAT_EQ(rp[i], expect[i]) << i;
     int64_t bad = 9;
     float nan = 0.0f;
     std::string err = stderrOf([&] { nan = amach_(&bad); });
@@ -173,7 +164,6 @@ TEST_F(Fdlsf, BoundTypesRewriteTheBounds) {
     nonNegative.ibtype = 1;
     EXPECT_EQ(nonNegative.solve(plusThree), 0);
     EXPECT_EQ(nonNegative.x[0], 0.0f);
-    EXPECT_EQ(nonNegative.lb[0], 0.0f);
     EXPECT_EQ(static_cast<double>(nonNegative.ub[0]), 1.0000000200408773e20);
 
     Lsf nonPositive(1, {-2.0f}, {-7.0f}, {7.0f});
@@ -187,10 +177,9 @@ TEST_F(Fdlsf, BoundTypesRewriteTheBounds) {
     EXPECT_EQ(likeFirst.solve(shifted), 0);
     EXPECT_EQ(likeFirst.x, (Floats{1.0f, -1.0f}));
     EXPECT_EQ(likeFirst.ub[1], 1.0f);
-    EXPECT_EQ(likeFirst.err, "");
 }
 
-TEST_F(Fdlsf, ToleranceStopsGiveCodeZeroOrOne) {
+TEST_F(Fdlsf, ToleranceJumpAndUserStops) {
     // Zero residual at the optimum: the absolute function test, no message.
     Lsf exact(2, {0.0f, 0.0f}, {-10.0f, -10.0f}, {10.0f, 10.0f});
     EXPECT_EQ(exact.solve(shifted), 0);
@@ -214,18 +203,22 @@ TEST_F(Fdlsf, ToleranceStopsGiveCodeZeroOrOne) {
                       " ***          and predicted reductions in the function are less than\n"
                       " ***          or equal to the relative function convergence tolerance\n"
                       " ***          RFTOL = 0.001.\n"));
+
+    Lsf jump(1, {0.0f}, {-10.0f}, {10.0f});
+    jump.rparam[0] = jump.rparam[1] = jump.rparam[2] = 0.0f;
+    EXPECT_EQ(jump.solve(cliff), 2);
+    EXPECT_TRUE(jump.x[0] < 1.0f && jump.x[0] > 0.999f) << jump.x[0];
+    EXPECT_EQ(jump.err.substr(0, 60), warning(2, " ***          FALSE CONVERGENCE").substr(0, 60));
+
+    // A user stop: start, Jacobian (2), one trial, Jacobian (2), no message.
+    evaluations = 0;
+    Lsf stopped(2, {-1.2f, 1.0f}, {-5.0f, -5.0f}, {5.0f, 5.0f});
+    EXPECT_EQ(stopped.solve(stopsAfterThree), 0);
+    EXPECT_EQ(evaluations, 6);
+    EXPECT_EQ(stopped.err, "");
 }
 
-TEST_F(Fdlsf, FalseConvergenceAtAJump) {
-    Lsf lsf(1, {0.0f}, {-10.0f}, {10.0f});
-    lsf.rparam[0] = lsf.rparam[1] = lsf.rparam[2] = 0.0f;
-    EXPECT_EQ(lsf.solve(cliff), 2);
-    EXPECT_LT(lsf.x[0], 1.0f);
-    EXPECT_GT(lsf.x[0], 0.999f);
-    EXPECT_EQ(lsf.err.substr(0, 60), warning(2, " ***          FALSE CONVERGENCE").substr(0, 60));
-}
-
-TEST_F(Fdlsf, IterationFunctionAndJacobianLimits) {
+TEST_F(Fdlsf, LimitsAndLongSteps) {
     struct Case {
         int index;
         int64_t limit, code;
@@ -238,17 +231,14 @@ TEST_F(Fdlsf, IterationFunctionAndJacobianLimits) {
     for (const Case& c : cases) {
         Lsf lsf(2, {-1.2f, 1.0f}, {-5.0f, -5.0f}, {5.0f, 5.0f});
         lsf.iparam[c.index] = c.limit;
-        evaluations = 0;
         EXPECT_EQ(lsf.solve(rosenbrock), c.code);
         EXPECT_EQ(lsf.err, warning(static_cast<int>(c.code), c.line));
         for (float v : lsf.x) EXPECT_TRUE(std::isfinite(v));
     }
-}
 
-TEST_F(Fdlsf, FifthLongestStepWarnsAndTheIterationGoesOn) {
+    // The fifth step of length STEPMX warns and the iteration goes on.
     Lsf lsf(1, {0.0f}, {-1000.0f}, {1000.0f});
-    lsf.rparam[5] = 0.5f;  // STEPMX
-    lsf.rparam[6] = 0.5f;  // DELTA
+    lsf.rparam[5] = lsf.rparam[6] = 0.5f;  // STEPMX and DELTA
     lsf.iparam[2] = 8;
     EXPECT_EQ(lsf.solve(farAway), 3);
     // Eight steps of 0.5 in the trust-region metric, which also scales by the
@@ -261,13 +251,6 @@ TEST_F(Fdlsf, FifthLongestStepWarnsAndTheIterationGoesOn) {
                       " ***          finite asymptote in some direction, or STEPMX is too\n"
                       " ***          small.\n") +
                   warning(3, " ***           Maximum number of iterations exceeded.\n"));
-}
-
-TEST_F(Fdlsf, UserStopEndsTheIterationWithoutAMessage) {
-    Lsf lsf(2, {-1.2f, 1.0f}, {-5.0f, -5.0f}, {5.0f, 5.0f});
-    EXPECT_EQ(lsf.solve(stopsAfterThree), 0);
-    EXPECT_EQ(evaluations, 6);  // start, Jacobian (2), one trial, Jacobian (2)
-    EXPECT_EQ(lsf.err, "");
 }
 
 TEST_F(Fdlsf, BadOptionsAreFixedWithAWarningAndTheSolveGoesOn) {

@@ -57,10 +57,9 @@ TEST_F(NlsErrors, StackFaultsAndSwitchTextsAreReported) {
               " ***          Invalid value for SWITCH in call to E1USR.  SWITCH must\n"
               " ***          be set to 'ON' or 'OFF'.  SWITCH = 'MAYBE' \n");
     // U6LSF is on the stack: 63 more fill it, the 64th is refused.
-    std::string deep = stderrOf([] {
-        for (int i = 0; i < 64; i++) e1psh("DEEP ");
-    });
-    EXPECT_EQ(deep,
+    EXPECT_EQ(stderrOf([] {
+                  for (int i = 0; i < 64; i++) e1psh("DEEP ");
+              }),
               "\n *** TERMINAL ERROR 1 from E1PSH .\n"
               " ***          Error condition in E1PSH.  Push would cause stack level\n"
               " ***          to exceed 64. \n");
@@ -97,8 +96,7 @@ TEST_F(NlsErrors, DifferenceJacobianRefusesBadArguments) {
     ASSERT_EQ(f2jac_(square, &m, &n, x, xs, fx, 1.1920929e-7f, jac, &ld, tmp, nullptr, nullptr), 0);
     const float exact[4] = {3.0f, -2.0f, 0.0f, 1.5f};  // column-major
     for (int i = 0; i < 4; i++) EXPECT_NEAR(jac[i], exact[i], 2e-3) << i;
-    EXPECT_EQ(x[0], 1.5f);  // restored
-    EXPECT_EQ(x[1], -2.0f);
+    EXPECT_TRUE(x[0] == 1.5f && x[1] == -2.0f);  // restored after each probe
 
     EXPECT_EQ(
         stderrOf([&] { f2jac_(square, &m, &n, x, xs, fx, 0.2f, jac, &ld, tmp, nullptr, nullptr); }),
@@ -131,7 +129,7 @@ TEST_F(NlsErrors, WorkspaceEntryChecksSizesAndReleasesItsWorkspace) {
               " ***          2305843009213693952 are given.\n");
 }
 
-TEST_F(NlsErrors, MatrixInverseAndNormalMatrix) {
+TEST_F(NlsErrors, MatrixInverseAndSingularMatrix) {
     const float a[9] = {4, 7, 2, 3, 6, 1, 2, 5, 3};  // determinant 9
     float inv[9];
     ASSERT_EQ(matInv64(a, inv, 3), 0);
@@ -139,11 +137,4 @@ TEST_F(NlsErrors, MatrixInverseAndNormalMatrix) {
     for (int i = 0; i < 9; i++) EXPECT_NEAR(inv[i], expect[i] / 9.0f, 1e-5) << i;
     const float singular[4] = {1, 2, 2, 4};
     EXPECT_EQ(matInv64(singular, inv, 2), 1);
-
-    // J = [1 0; 1 1; 1 2] column-major: J^T J = [3 3; 3 5], inverse [5 -3; -3 3] / 6.
-    const float j[6] = {1, 1, 1, 0, 1, 2};
-    ASSERT_EQ(jtjInv(inv, j, 2, 3), 0);
-    EXPECT_NEAR(inv[0], 5.0f / 6.0f, 1e-6);
-    EXPECT_NEAR(inv[1], -0.5f, 1e-6);
-    EXPECT_NEAR(inv[3], 0.5f, 1e-6);
 }
