@@ -8,8 +8,12 @@
 
 #include "cs/predict_cs.h"
 #include "cs/structure_scores.h"
+#include "cs/surface.h"
 #include "cs/surface_file.h"
+#include "pdb/reader.h"
+#include "pdb/structure.h"
 #include "shift_test_util.h"
+#include "support/checks.h"
 
 namespace {
 
@@ -160,6 +164,24 @@ TEST_F(Prediction, StructureScores) {
     EXPECT_FLOAT_EQ(rms, static_cast<float>(std::sqrt(12.5)));
     EXPECT_EQ(pdb.residues[0].score, 777777.0f);
     EXPECT_EQ(pdb.residues[4].score, 4.0f);
+}
+
+// With the homology table built with DC, a structure against itself scores
+// 0 over every residue (the table's diagonal), xPRO names included.
+TEST(StructureScores, UbiquitinAgainstItselfScoresZeroHomology) {
+    int64_t start = bytesInUse();
+    ASSERT_EQ(surfRead(DC_SURFACE_DIR, "rc.tab", "homo.tab", 0), 0);
+    PDBData ubq;
+    pdbNull(&ubq);
+    ASSERT_EQ(readPDB(DC_TEST_DATA "/ubq/1ubq_h.pdb", &ubq, nullptr), 0);
+    float rms = -1, lastValue = -1;
+    int count = 0;
+    getStatHomo(&ubq, &ubq, 1, 76, "A", "", 1, 0, "A", "", 1, &rms, &lastValue, &count);
+    EXPECT_EQ(count, 76);
+    EXPECT_EQ(rms, 0.0f);
+    pdbFree(&ubq);
+    surfFree();
+    EXPECT_EQ(bytesInUse(), start);
 }
 
 }  // namespace
