@@ -15,7 +15,6 @@
 #include "dc/read_dc.h"
 #include "pdb/residue_types.h"
 #include "util/alloc.h"
-#include "util/residue_number.h"
 #include "util/table.h"
 #include "util/table_format.h"
 #include "util/table_rows.h"
@@ -29,14 +28,12 @@ constexpr int kResMinStart = 1000000;
 // 5nm for m tensors) vanish, as this program has no pseudo-contact tensors.
 constexpr int64_t kWorkPerRow = 7;
 
-using ReadTable = TableRows;
-
 struct Columns {
     int resid, resname, atomname, chainname, segname;
     int shift, obs, pred, index, sigma, rc, fc, w, gamma;
 };
 
-Columns findColumns(const ReadTable& t) {
+Columns findColumns(const TableRows& t) {
     Columns c;
     getAtomTabLocs(t.vars, t.columns, "", &c.resid, &c.resname, &c.atomname, &c.chainname,
                    &c.segname);
@@ -56,7 +53,7 @@ Columns findColumns(const ReadTable& t) {
 // A residue number or index that a real column holds beyond what an integer
 // column may hold stops the read, as it would in an integer column. False
 // after the message.
-bool integerCellsFit(const ReadTable& t, const Columns& c, const char* path) {
+bool integerCellsFit(const TableRows& t, const Columns& c, const char* path) {
     for (int r = 0; r < t.rows; r++) {
         if (!integerCellsFit(t, r, {c.resid, c.index}, path)) return false;
     }
@@ -88,7 +85,7 @@ int alphaProton(const CSValue& v) {
     return 0;
 }
 
-void readRow(const ReadTable& t, int r, const Columns& c, CSTab* table) {
+void readRow(const TableRows& t, int r, const Columns& c, CSTab* table) {
     CSValue* v = table->rows + r;
     v->use = v->mapped = v->listed = 1;
     getAtomTabVals(t.vars, t.columns, t.row(r), c.resid, c.resname, c.atomname, c.chainname,
@@ -197,7 +194,7 @@ int allocWork(CSTab* table) {
     return 0;
 }
 
-int fillTable(const ReadTable& t, CSTab* table) {
+int fillTable(const TableRows& t, CSTab* table) {
     Columns columns = findColumns(t);
     if (allocRows(table, t.rows) != 0) return 1;
     for (int r = 0; r < t.rows; r++) readRow(t, r, columns, table);
@@ -264,7 +261,7 @@ int readCS(const char* path, CSTab* table) {
     if (!table) return 1;
     csTabFree(table);
     if (!path || !path[0] || strcasecmp(path, "None") == 0) return 0;
-    ReadTable t;
+    TableRows t;
     t.hdr = hdrInit();
     if (!t.hdr) {
         std::fprintf(stderr, "TESSERA Error allocating CS table header.\n");

@@ -12,7 +12,6 @@
 #include "dc/dipolar.h"
 #include "pdb/names.h"
 #include "util/alloc.h"
-#include "util/residue_number.h"
 #include "util/table.h"
 #include "util/table_format.h"
 #include "util/table_rows.h"
@@ -31,8 +30,6 @@ struct ValueColumns {
     int index, abs, d, di, dd, s, w, fc;
 };
 
-using ReadTable = TableRows;
-
 // The name in a cell (see tabCellName); false for an absent column.
 bool cellText(const TabVar* vars, const float* row, int column, char* name) {
     name[0] = '\0';
@@ -45,13 +42,13 @@ bool cellText(const TabVar* vars, const float* row, int column, char* name) {
 
 bool isAtomExpression(const char* name) { return std::strchr(name, '#') || std::strchr(name, '*'); }
 
-void readAtoms(const ReadTable& t, int r, const AtomColumns& cols, int* resid, char* resname,
+void readAtoms(const TableRows& t, int r, const AtomColumns& cols, int* resid, char* resname,
                char* atomname, char* chainname, char* segname) {
     getAtomTabVals(t.vars, t.columns, t.row(r), cols.resid, cols.resname, cols.atomname,
                    cols.chainname, cols.segname, resid, resname, atomname, chainname, segname);
 }
 
-void readValues(const ReadTable& t, int r, const ValueColumns& c, DCValue* v) {
+void readValues(const TableRows& t, int r, const ValueColumns& c, DCValue* v) {
     v->index = c.index < 0 ? r + 1 : tabFloatToInt(t.row(r)[c.index]);
     v->absFlag = tabFloatToInt(t.cell(r, c.abs, 0.0f));
     v->dObs = t.cell(r, c.d, kNoDColumn);
@@ -98,12 +95,12 @@ void readReferenceTensor(const TabHeader* hdr, DTensor* tensor) {
     tensor->obsRms = 0.0f;
 }
 
-ValueColumns findValueColumns(const ReadTable& t) {
+ValueColumns findValueColumns(const TableRows& t) {
     auto at = [&](const char* name) { return getTabVar(t.vars, t.columns, name); };
     return {at("INDEX"), at("ABS"), at("D"), at("DI"), at("DD"), at("S"), at("W"), at("FC")};
 }
 
-AtomColumns findAtomColumns(const ReadTable& t, const char* suffix) {
+AtomColumns findAtomColumns(const TableRows& t, const char* suffix) {
     AtomColumns c;
     getAtomTabLocs(t.vars, t.columns, suffix, &c.resid, &c.resname, &c.atomname, &c.chainname,
                    &c.segname);
@@ -112,7 +109,7 @@ AtomColumns findAtomColumns(const ReadTable& t, const char* suffix) {
 
 // Vector slots a row takes in the fit workspace: 1, 9 when one of its atom
 // names is an expression, 81 when both are.
-int vectorCount(const ReadTable& t, int r, int atomColumnI, int atomColumnJ) {
+int vectorCount(const TableRows& t, int r, int atomColumnI, int atomColumnJ) {
     char nameI[kNameSize], nameJ[kNameSize];
     cellText(t.vars, t.row(r), atomColumnI, nameI);
     cellText(t.vars, t.row(r), atomColumnJ, nameJ);
@@ -124,7 +121,7 @@ int vectorCount(const ReadTable& t, int r, int atomColumnI, int atomColumnJ) {
 // that a table too large to fit stops before its coupling records take the
 // memory: every integer cell, and the size of the fit workspace. NVEC, or -1
 // after a message.
-int64_t tableVectorCount(const ReadTable& t, const DTab* dTab, const char* fileName) {
+int64_t tableVectorCount(const TableRows& t, const DTab* dTab, const char* fileName) {
     AtomColumns colsI = findAtomColumns(t, "_I");
     AtomColumns colsJ = findAtomColumns(t, "_J");
     ValueColumns values = findValueColumns(t);
@@ -144,7 +141,7 @@ int64_t tableVectorCount(const ReadTable& t, const DTab* dTab, const char* fileN
     return nvec;
 }
 
-int fillCouplings(const ReadTable& t, DTab* dTab, int keepTableDI) {
+int fillCouplings(const TableRows& t, DTab* dTab, int keepTableDI) {
     AtomColumns colsI = findAtomColumns(t, "_I");
     AtomColumns colsJ = findAtomColumns(t, "_J");
     ValueColumns values = findValueColumns(t);
@@ -216,7 +213,7 @@ int getAtomTabVals(const TabVar* vars, int varCount, const float* row, int resid
 int readDC(const char* fileName, DTab* dTab, int keepTableDI) {
     if (!dTab) return 1;
     if (!fileName || !fileName[0] || strcasecmp(fileName, "None") == 0) return 0;
-    ReadTable t;
+    TableRows t;
     t.hdr = hdrInit();
     if (!t.hdr) {
         std::fprintf(stderr, "TESSERA Error allocating DC table header.\n");
