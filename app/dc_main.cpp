@@ -12,6 +12,7 @@
 #include "dc/dipolar.h"
 #include "dc/dtab.h"
 #include "dc/read_dc.h"
+#include "fit/fit_state.h"
 #include "pdb/modes.h"
 #include "util/alloc.h"
 #include "util/args.h"
@@ -54,6 +55,7 @@ void cleanUp(RunSettings* settings, DTab* dTab, CSTab* cs) {
     csTabFree(cs);
     dTabFree(dTab);
     dipolarFree();
+    fitDCFree();
     surfFree();
     runSettingsFree(settings);
     freeToken();

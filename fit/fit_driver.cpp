@@ -2,6 +2,7 @@
 
 #include "dc/dtab.h"
 #include "dc/fit_svd.h"
+#include "fit/fit_align.h"
 
 int fitDN(PDBData** pdbs, int count, DTab* dTab, int retries, int verbosity) {
     if (!pdbs || !dTab || count < 1) return 0;
@@ -11,8 +12,9 @@ int fitDN(PDBData** pdbs, int count, DTab* dTab, int retries, int verbosity) {
         case kMethodSaupe:
         case 6:
         case 7: return fitDSVD(pdbs, count, dTab, retries);
-        // The nonlinear methods (fit, grid search, fixed tensor) are not
-        // available yet: nothing is fitted.
+        case kMethodFit:
+        case kMethodGrid:
+        case kMethodFixed: return fitDCAlign(pdbs, count, dTab, retries, verbosity);
         default: return 0;
     }
 }
