@@ -14,6 +14,10 @@ void append(FitParams* p, int kind, float x, float min, float max, float step) {
     if (!isFreeRange(min, max) || p->n >= kMaxFitParams) return;
     int i = p->n++;
     p->kind[i] = kind;
+    // A start outside its limits (an SVD estimate, limits given upside
+    // down) is raised to the minimum, then lowered to the maximum.
+    if (x < min) x = min;
+    if (x > max) x = max;
     p->x[i] = x;
     p->min[i] = min;
     p->max[i] = max;

@@ -14,6 +14,7 @@
 #include "dc/dtab.h"
 #include "dc/read_dc.h"
 #include "pdb/modes.h"
+#include "pdb/pdb_types.h"
 #include "pdb/reader.h"
 #include "pdb/structure.h"
 #include "support/run_dc.h"
@@ -128,6 +129,32 @@ inline Coefficients coefficients(double da, double dr, const Mat3& r) {
 // The five basis terms of a (unit) vector.
 inline std::array<double, 5> basis(double x, double y, double z) {
     return {0.5 * (3 * z * z - 1), 0.5 * (x * x - y * y), 2 * x * y, 2 * x * z, 2 * y * z};
+}
+
+// Sum over the row's atom pairs of the basis terms, from the coordinates in
+// double precision (a pair closer than 0.01 A is scaled by 100).
+inline std::array<double, 5> basisSum(const DCValue& v) {
+    std::array<double, 5> sum{};
+    for (int a = 0; a < v.countI; a++) {
+        for (int b = 0; b < v.countJ; b++) {
+            const PDBAtom &i = *v.atomsI[a], &j = *v.atomsJ[b];
+            double x = i.x - j.x, y = i.y - j.y, z = i.z - j.z;
+            double r = std::sqrt(x * x + y * y + z * z), scale = r < 0.01 ? 100.0 : 1.0 / r;
+            std::array<double, 5> t = basis(x * scale, y * scale, z * scale);
+            for (int k = 0; k < 5; k++) sum[k] += t[k];
+        }
+    }
+    return sum;
+}
+
+inline double methylFactor(const DCValue& v) { return v.countI * v.countJ == 3 ? 0.927321 : 1.0; }
+
+// The coupling the coefficients c give the mapped row.
+inline double coupling(const DCValue& v, const float c[5]) {
+    std::array<double, 5> b = basisSum(v);
+    double d = 0;
+    for (int k = 0; k < 5; k++) d += c[k] * b[k];
+    return d * std::fabs(v.di) * methylFactor(v);
 }
 
 }  // namespace reference

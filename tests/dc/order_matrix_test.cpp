@@ -19,38 +19,13 @@
 namespace {
 
 using namespace dctest;
+using reference::basisSum;
 using reference::Coefficients;
+using reference::coupling;
+using reference::methylFactor;
 
 // A methyl group against its carbon: three vectors.
 const char kMethylRow[] = "    5    ALA     CB     5    ALA    HB#     0.000     1.600 1.00\n";
-constexpr double kMethyl = 0.927321;
-
-// Sum over the row's atom pairs of the basis terms, from the coordinates in
-// double precision (a pair closer than 0.01 A is scaled by 100).
-std::array<double, 5> basisSum(const DCValue& v) {
-    std::array<double, 5> sum{};
-    for (int a = 0; a < v.countI; a++) {
-        for (int b = 0; b < v.countJ; b++) {
-            const PDBAtom &i = *v.atomsI[a], &j = *v.atomsJ[b];
-            double x = i.x - j.x, y = i.y - j.y, z = i.z - j.z;
-            double r = std::sqrt(x * x + y * y + z * z), scale = r < 0.01 ? 100.0 : 1.0 / r;
-            std::array<double, 5> t = reference::basis(x * scale, y * scale, z * scale);
-            for (int k = 0; k < 5; k++) sum[k] += t[k];
-        }
-    }
-    return sum;
-}
-
-double methylFactor(const DCValue& v) { return v.countI * v.countJ == 3 ? kMethyl : 1.0; }
-
-// The coupling the coefficients c give the mapped row.
-double coupling(const DCValue& v, const float c[5]) {
-    std::array<double, 5> b = basisSum(v);
-    double d = 0;
-    for (int k = 0; k < 5; k++) d += c[k] * b[k];
-    return d * std::fabs(v.di) * methylFactor(v);
-}
-
 // The real table plus a methyl row on the real structure, observations made
 // from a known tensor.
 class OrderMatrix : public CouplingTest {
