@@ -111,8 +111,11 @@ void nllsJac(NlsResidualFn fn, NllsWork& w, int j, double* bestRms) {
     }
     copy(w.probe, w.cur, w.n);
     w.probe[j] = clampTo(w.cur[j] + w.step[j], w.lo[j], w.hi[j] - w.step[j]);
+    // At the upper bound the probe is clamped below the point: dividing by
+    // the distance actually moved keeps the column's sign right there.
+    float moved = w.probe[j] - w.cur[j];
     double rms = evaluate(fn, w, w.probe, w.fTrial);
-    for (int i = 0; i < w.m; i++) column[i] = (w.fTrial[i] - w.fCur[i]) / w.step[j];
+    for (int i = 0; i < w.m; i++) column[i] = moved == 0.0f ? 0.0f : (w.fTrial[i] - w.fCur[i]) / moved;
     if (rms < *bestRms) {
         *bestRms = rms;
         copy(w.best, w.probe, w.n);
