@@ -64,6 +64,13 @@ TEST(NonlinearFit, UbiquitinFitsReachTheSvdSolution) {
         EXPECT_NEAR(value(nl, "Rhombicity"), value(svd, "Rhombicity"), 0.01 * value(svd, "Rhombicity"));
         EXPECT_EQ(value(nl, "N_SVD"), 63);
     }
+    // -auto starts from the SVD tensor's first Euler solution.
+    const std::vector<double>& angles = svd.data["EULER_ANGLES"];
+    ASSERT_GE(angles.size(), 3u);
+    char line[96];
+    std::snprintf(line, sizeof line, "Tensor 1 Auto-Initialization: % 8.2f % 8.2f % 8.2f\n", angles[0],
+                  angles[1], angles[2]);
+    EXPECT_NE(runFit({"-fit", "-auto", "-retry", "0", "-verb", "2"}).err.find(line), std::string::npos) << line;
 }
 
 TEST(NonlinearFit, FixedSvdTensorGivesBackTheSvdCouplings) {
@@ -107,6 +114,14 @@ TEST(NonlinearFit, ProgressLinesUnderVerb2) {
                          "Trial:   17 CType:  6: Init:      90.00 Min:    -180.00 Max:     180.00\n"),
               std::string::npos);
     EXPECT_EQ(f.err.find("Trial:   18"), std::string::npos);
+    // Trials 2 to 17 start from the sixteen tabulated orientations.
+    std::string orientations;
+    std::regex rotation("Trial: +(\\d+) CType:  [456]: Init: +(-?\\d+)\\.00 ");
+    for (std::sregex_iterator it(f.err.begin(), f.err.end(), rotation), end; it != end; ++it)
+        if ((*it)[1] != "1") orientations += (*it)[2].str() + ((*it)[0].str().find(":  6:") != std::string::npos ? "|" : " ");
+    EXPECT_EQ(orientations,
+              "0 0 0|0 45 0|0 90 0|90 0 0|90 45 0|90 90 0|0 0 45|0 45 45|0 90 45|90 0 45|90 45 45|"
+              "90 90 45|0 0 90|0 45 90|90 0 90|90 45 90|");
     std::smatch best;
     ASSERT_TRUE(std::regex_search(f.text, best, std::regex("DATA BEST_ITER   ( {7}[1-9]| {6}1[0-7])\n")));
 

@@ -54,7 +54,10 @@ class TensorFit : public CouplingTest {
     void SetUp() override {
         CouplingTest::SetUp();
         load(0, kModelA);
-        ASSERT_EQ(readText(readFile(kRealTable)), 0);
+        // A methyl group against its carbon adds a coupling of three vectors.
+        ASSERT_EQ(readText(readFile(kRealTable) +
+                           "    5    ALA     CB     5    ALA    HB#     0.000     1.600 1.00\n"),
+                  0);
         ASSERT_EQ(buildDC(&pdbs[0], &table, 0, 0, nullptr, 0, 1), table.count);
         for (int i = 0; i < table.count; i++)
             table.couplings[i].dObs = static_cast<float>(reference::coupling(table.couplings[i], truth.data()));
@@ -146,10 +149,13 @@ TEST_F(TensorFit, FixedParametersKeepTheirValuesAndTheRestReachTheOptimum) {
     EXPECT_EQ(tensor().ry, theta);
     EXPECT_EQ(tensor().rz, phi);
 
-    tensor().dr = tensor().drMin = tensor().drMax = 1e-4f;  // -rotdr: Da alone
+    // -rotdr: Da alone. Starts drawn below 1.5 Dr have Dr capped while they
+    // are evaluated; the fixed Dr must come back unchanged.
+    tensor().dr = tensor().drMin = tensor().drMax = 2.5e-4f;
+    tensor().daMin = 0.0f, tensor().daMax = 1e-3f;
     fit(17);
-    EXPECT_NEAR(tensor().da, (s.da - 1e-4 * s.ar) / s.aa, 2e-8);
-    EXPECT_EQ(tensor().dr, 1e-4f);
+    EXPECT_NEAR(tensor().da, (s.da - 2.5e-4 * s.ar) / s.aa, 2e-8);
+    EXPECT_EQ(tensor().dr, 2.5e-4f);
 
     tensor().rhMode = 1;  // -rotrh: Da along a + Rh r
     tensor().rh = tensor().rhMin = tensor().rhMax = 0.5f;
@@ -209,14 +215,21 @@ TEST_F(TensorFit, FixedTensorAgreesWithTheOrderMatrixRoute) {
     EXPECT_EQ(fit(17), table.count);
     EXPECT_EQ(t.bestIteration, 0);
     reference::Coefficients c = reference::coefficients(4e-4, 1e-4, reference::rotation(70, -40, 120));
-    std::string fitted;
-    for (int i = 0; i < table.count; i++) {
+    for (int i = 0; i < table.count; i++)
         EXPECT_NEAR(table.couplings[i].dCalc, reference::coupling(table.couplings[i], c.data()), 1e-3);
-        fitted += std::to_string(table.couplings[i].dCalc) + " ";
-    }
     float coefficients[5];
     EXPECT_EQ(findFixedDC(&table, coefficients, kMethodFixed), table.count);
     for (int k = 0; k < 5; k++) EXPECT_NEAR(coefficients[k], c[k], 1e-9);
+    for (int i = 0; i < table.count; i++)
+        EXPECT_NEAR(table.couplings[i].dCalc, reference::coupling(table.couplings[i], c.data()), 1e-3);
+
+    // Offset rotations act before the tensor's own, additional ones after.
+    t.rxOff = 30, t.ryOff = -20, t.rzOff = 10, t.rxAdd = -15, t.ryAdd = 5, t.rzAdd = 40;
+    fit(0);
+    Mat3 composed = reference::multiply(reference::rotation(-15, 5, 40),
+                                        reference::multiply(reference::rotation(70, -40, 120),
+                                                            reference::rotation(30, -20, 10)));
+    c = reference::coefficients(4e-4, 1e-4, composed);
     for (int i = 0; i < table.count; i++)
         EXPECT_NEAR(table.couplings[i].dCalc, reference::coupling(table.couplings[i], c.data()), 1e-3);
 
