@@ -4,8 +4,10 @@
 //
 // Run settings a user would give on the command line (selection mode, DI
 // from fixed geometry or from distances, keeping the table's DI, weights,
-// output columns, mirror solutions) are taken from a hash of the input, so
-// that every combination is reached without changing the table text.
+// output columns, mirror solutions, the tensor method) are taken from a hash
+// of the input, so that every combination is reached without changing the
+// table text. The nonlinear methods run with few start points and a coarse
+// grid, to keep each input fast.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -21,6 +23,7 @@
 #include "dc/statistics.h"
 #include "dc/write_dc.h"
 #include "fit/fit_driver.h"
+#include "fit/fit_state.h"
 #include "fuzz/fixed_structure.h"
 #include "fuzz/fuzz_support.h"
 #include "pdb/backbone.h"
@@ -60,6 +63,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     int columnStyle = static_cast<int>((flags >> 5) % 3);
     static const float weights[] = {1.0f, 0.5f, 2.0f, 0.0f};
     bool weighted = (flags >> 7) & 1;
+    static const int methods[] = {kMethodSVD, kMethodFit, kMethodGrid, kMethodFixed};
+    int method = methods[(flags >> 8) % 4];
 
     DTab dTab;
     dTabNull(&dTab);
@@ -69,7 +74,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         skipD(dTab.couplings, dTab.count, s.skipList, s.skipCount, selected);
         buildDC(&structure, &dTab, s.aRes1 - s.res1, s.res1, weighted ? weights : nullptr,
                 weighted ? 4 : 0, s.fixedDI);
-        fitD(&structure, &dTab, s.retries, 0);
+        dTab.tensor.method = method;
+        dTab.tensor.useAuto = (flags >> 10) & 1;
+        dTab.tensor.gridStep = 60.0f;
+        fitD(&structure, &dTab, 2, 0);
         if (dTab.count > 0) {
             writeDC("/dev/null", &dTab, columnStyle, s.mirror, "DC: fuzz PDB: peptide");
             float rms, chiSq;
@@ -79,6 +87,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     dTabFree(&dTab);
     dipolarFree();
+    fitDCFree();
     runSettingsFree(&s);
     fuzz::checkBalance(start, "coupling table input");
     return 0;
