@@ -29,6 +29,9 @@
 #include "fit/fit_state.h"
 #include "pdb/reader.h"
 #include "pdb/structure.h"
+#include "synthetic_ensemble.h"
+
+using namespace bench;
 
 namespace {
 
@@ -36,92 +39,6 @@ constexpr double kMinSeconds = 1.0;
 constexpr int kRetries = 17;         // the program's default start points
 constexpr double kTargetMs = 20.0;   // the ubiquitin fit
 constexpr double kRmsSlack = 0.005;  // Hz above the SVD RMS
-
-double uniform(double low, double high) {
-    return low + (high - low) * (static_cast<double>(random()) / RAND_MAX);
-}
-
-struct Direction {
-    double x, y, z;
-};
-
-Direction randomDirection() {
-    double z = uniform(-1, 1), a = uniform(0, 2 * M_PI), s = std::sqrt(1 - z * z);
-    return {s * std::cos(a), s * std::sin(a), z};
-}
-
-// Residue r: N and CA on a grid, H and HA along the given bond directions.
-struct Residue {
-    double n[3], ca[3];
-    Direction nh, caha;
-};
-
-std::vector<Residue> makeResidues(int count) {
-    std::vector<Residue> residues(count);
-    for (int r = 0; r < count; r++) {
-        Residue& res = residues[r];
-        double x = (r % 40) * 3.8, y = (r / 40 % 40) * 3.8, z = (r / 1600) * 3.8;
-        res.n[0] = x, res.n[1] = y, res.n[2] = z;
-        res.ca[0] = x + 1.2, res.ca[1] = y + 0.7, res.ca[2] = z + 0.3;
-        res.nh = randomDirection();
-        res.caha = randomDirection();
-    }
-    return residues;
-}
-
-void atomLine(FILE* f, int serial, const char* name, int resid, const double* base,
-              const Direction* bond, double length) {
-    double x = base[0], y = base[1], z = base[2];
-    if (bond) x += length * bond->x, y += length * bond->y, z += length * bond->z;
-    std::fprintf(f, "ATOM  %5d  %-3s LEU A%4d    %8.3f%8.3f%8.3f  1.00  0.00\n", serial, name,
-                 resid, x, y, z);
-}
-
-// One model; each H and HA direction turned a little (spread) from the base.
-void writeStructure(const std::string& path, const std::vector<Residue>& residues, double spread) {
-    FILE* f = std::fopen(path.c_str(), "w");
-    int serial = 1;
-    for (size_t r = 0; r < residues.size(); r++) {
-        const Residue& res = residues[r];
-        Direction nh = {res.nh.x + uniform(-spread, spread), res.nh.y + uniform(-spread, spread),
-                        res.nh.z + uniform(-spread, spread)};
-        Direction caha = {res.caha.x + uniform(-spread, spread),
-                          res.caha.y + uniform(-spread, spread),
-                          res.caha.z + uniform(-spread, spread)};
-        int id = static_cast<int>(r) + 1;
-        atomLine(f, serial++, "N", id, res.n, nullptr, 0);
-        atomLine(f, serial++, "H", id, res.n, &nh, 1.02);
-        atomLine(f, serial++, "CA", id, res.ca, nullptr, 0);
-        atomLine(f, serial++, "HA", id, res.ca, &caha, 1.09);
-    }
-    std::fclose(f);
-}
-
-// Uniform DD and W: the SVD route weighs by DD, the nonlinear one by W.
-void writeTable(const std::string& path, int residues) {
-    FILE* f = std::fopen(path.c_str(), "w");
-    std::fprintf(f, "VARS RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J D DD W\n");
-    std::fprintf(f, "FORMAT %%5d %%4s %%4s %%5d %%4s %%4s %%8.3f %%6.2f %%4.1f\n\n");
-    for (int r = 1; r <= residues; r++) {
-        std::fprintf(f, "%5d LEU N %5d LEU H 0.0 1.0 1.0\n", r, r);
-        std::fprintf(f, "%5d LEU CA %5d LEU HA 0.0 1.0 1.0\n", r, r);
-    }
-    std::fclose(f);
-}
-
-// Couplings back-calculated from the tensor c over every model (the given
-// Saupe values route), with noise of 0.05 Hz.
-void makeCouplings(PDBData** pdbs, int count, DTab* tab, const float c[5]) {
-    DTensor start = tab->tensor;
-    tab->tensor.method = kMethodSaupe;
-    for (int k = 0; k < 5; k++) tab->tensor.saupeGiven[k] = c[k];
-    fitDN(pdbs, count, tab, 0, 0);
-    for (int i = 0; i < tab->count; i++) {
-        DCValue& v = tab->couplings[i];
-        v.dObs = v.dCalc + static_cast<float>(uniform(-0.05, 0.05));
-    }
-    tab->tensor = start;
-}
 
 double cpuSeconds() {
     timespec t;
@@ -209,7 +126,7 @@ bool generatedCase(const std::string& dir, int residues, int models) {
         list.push_back(&structures[m]);
     }
     std::string table = dir + "/couplings.tab";
-    writeTable(table, residues);
+    writeTable(table, residues, 1.0);  // uniform DD and W: both routes share their optimum
     DTab tab;
     dTabNull(&tab);
     bool ok = readDC(table.c_str(), &tab, 0) == 0 &&
