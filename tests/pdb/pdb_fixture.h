@@ -16,6 +16,7 @@
 #include "pdb/modes.h"
 #include "pdb/reader.h"
 #include "pdb/structure.h"
+#include "support/checks.h"
 #include "support/run_dc.h"
 #include "util/alloc.h"
 
@@ -81,12 +82,6 @@ inline std::string describe(const PDBAtom& a) {
                   a.atomName, a.locID, a.resName, a.chain, a.resID, a.icode, a.x, a.y, a.z,
                   a.occupancy, a.tempFactor, a.seg, a.element, a.charge, a.model, a.isHetAtm);
     return text;
-}
-
-inline int64_t bytesInUse() {
-    int64_t inUse = 0, reused = 0;
-    getMemUsed(&inUse, &reused);
-    return inUse;
 }
 
 class PDBTest : public ::testing::Test {

@@ -1,0 +1,206 @@
+// Superposition: the RMS after the angle fit against an independent
+// closed-form superposition (polar decomposition) on random rigid moves of a
+// real backbone, the fixed and bounded modes, the distance-matrix measure,
+// and the pairing of structures by residue and atom name.
+#include "pdb/superpose.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <vector>
+
+#include "pdb/superpose_pdb.h"
+#include "pdb_fixture.h"
+
+namespace {
+
+using Mat = std::array<std::array<double, 3>, 3>;
+
+const std::string kPeptide = DC_SHARED_DATA "/hafp_a.pdb";
+
+Mat axisRotation(int axis, double degrees) {
+    double a = degrees * M_PI / 180, c = std::cos(a), s = std::sin(a);
+    int i = (axis + 1) % 3, j = (axis + 2) % 3;
+    Mat r{};
+    r[axis][axis] = 1;
+    r[i][i] = r[j][j] = c;
+    r[i][j] = -s;
+    r[j][i] = s;
+    return r;
+}
+
+Mat multiply(const Mat& a, const Mat& b) {
+    Mat p{};
+    for (int i = 0; i < 3; i++)
+        for (int j = 0; j < 3; j++)
+            for (int k = 0; k < 3; k++) p[i][j] += a[i][k] * b[k][j];
+    return p;
+}
+
+Mat transpose(const Mat& a) {
+    Mat t;
+    for (int i = 0; i < 3; i++)
+        for (int j = 0; j < 3; j++) t[i][j] = a[j][i];
+    return t;
+}
+
+Mat inverse(const Mat& m) {
+    Mat c;
+    for (int i = 0; i < 3; i++)
+        for (int j = 0; j < 3; j++)
+            c[j][i] = m[(i + 1) % 3][(j + 1) % 3] * m[(i + 2) % 3][(j + 2) % 3] -
+                      m[(i + 1) % 3][(j + 2) % 3] * m[(i + 2) % 3][(j + 1) % 3];
+    double det = m[0][0] * c[0][0] + m[0][1] * c[1][0] + m[0][2] * c[2][0];
+    for (auto& row : c)
+        for (double& v : row) v /= det;
+    return c;
+}
+
+// Least RMS over rotations and translations, independently: the rotation is
+// the orthogonal polar factor of the cross-covariance, by Newton's iteration
+// X <- (X + X^-T) / 2.
+double closedFormRms(const std::vector<float>& ref, const std::vector<float>& target) {
+    int n = static_cast<int>(ref.size() / 3);
+    double cr[3] = {}, ct[3] = {};
+    for (int i = 0; i < n; i++)
+        for (int k = 0; k < 3; k++) cr[k] += ref[3 * i + k] / n, ct[k] += target[3 * i + k] / n;
+    Mat h{};
+    for (int i = 0; i < n; i++)
+        for (int j = 0; j < 3; j++)
+            for (int k = 0; k < 3; k++) h[j][k] += (ref[3 * i + j] - cr[j]) * (target[3 * i + k] - ct[k]);
+    Mat x = h;
+    for (int it = 0; it < 100; it++) {
+        Mat invT = transpose(inverse(x));
+        for (int i = 0; i < 3; i++)
+            for (int j = 0; j < 3; j++) x[i][j] = 0.5 * (x[i][j] + invT[i][j]);
+    }
+    double sum = 0;
+    for (int i = 0; i < n; i++) {
+        for (int j = 0; j < 3; j++) {
+            double moved = cr[j];
+            for (int k = 0; k < 3; k++) moved += x[j][k] * (target[3 * i + k] - ct[k]);
+            sum += (ref[3 * i + j] - moved) * (ref[3 * i + j] - moved);
+        }
+    }
+    return std::sqrt(sum / n);
+}
+
+class Superpose : public testing::Test {
+  protected:
+    void SetUp() override {
+        start_ = bytesInUse();
+        pdbNull(&peptide);
+        ASSERT_EQ(readPDB(kPeptide.c_str(), &peptide, nullptr), 0);
+        for (int i = 0; i < peptide.atomCount; i++) {
+            const PDBAtom& a = peptide.atoms[i];
+            std::string name = a.atomName;
+            if (name == "CA" || name == "N" || name == "C") coords.insert(coords.end(), {a.x, a.y, a.z});
+        }
+        setAlignLimits(0, 0, -1e6f, 1e6f, 0, -1e6f, 1e6f, 0, -180, 180, 0, -180, 180, 0, -180, 180);
+    }
+    void TearDown() override {
+        fitAlignFree();
+        pdbFree(&peptide);
+        EXPECT_EQ(bytesInUse(), start_);
+    }
+    // The backbone turned by R = Rz Ry Rx, moved, and given a little noise.
+    std::vector<float> moved(double psi, double theta, double phi, double noise) {
+        Mat r = multiply(axisRotation(2, phi), multiply(axisRotation(1, theta), axisRotation(0, psi)));
+        std::vector<float> out(coords.size());
+        for (size_t i = 0; i < coords.size(); i += 3) {
+            for (int j = 0; j < 3; j++) {
+                double v = 12.0 * (j + 1) - 7.0;
+                for (int k = 0; k < 3; k++) v += r[j][k] * coords[i + k];
+                out[i + j] = static_cast<float>(v + noise * (2.0 * std::rand() / RAND_MAX - 1.0));
+            }
+        }
+        return out;
+    }
+    int pairs() const { return static_cast<int>(coords.size() / 3); }
+
+    PDBData peptide;
+    std::vector<float> coords;
+
+  private:
+    int64_t start_ = 0;
+};
+
+TEST_F(Superpose, AngleFitMatchesTheClosedFormOnRandomMoves) {
+    std::srand(7);
+    double worst = 0;
+    for (int trial = 0; trial < 100; trial++) {
+        double a[3];
+        for (double& v : a) v = 360.0 * std::rand() / RAND_MAX - 180.0;
+        if (trial < 6) a[trial % 3] = trial < 3 ? 179.5 : -179.5;  // near +-180 about each axis
+        std::vector<float> target = moved(a[0], a[1], a[2], 0.3);
+        ASSERT_EQ(fitAlignCoords(coords.data(), target.data(), pairs(), 0), 0);
+        double expected = closedFormRms(coords, target);
+        EXPECT_NEAR(alignResult().aRMS, expected, 1e-3) << trial;
+        worst = std::max(worst, std::fabs(alignResult().aRMS - expected));
+        EXPECT_GT(expected, 0.05);
+    }
+    EXPECT_LT(worst, 1e-3);
+    EXPECT_EQ(alignResult().atomCount, pairs());
+}
+
+TEST_F(Superpose, FixedAndBoundedModes) {
+    std::vector<float> target = moved(20, -30, 40, 0.0);
+    float plain;
+    getCoordRMS(coords.data(), target.data(), pairs(), &plain);
+
+    setAlignLimits(1, 5, 0, 9, 5, 0, 9, 5, 0, 9, 5, 0, 9, 5, 0, 9);  // nothing moves
+    ASSERT_EQ(fitAlignCoords(coords.data(), target.data(), pairs(), 0), 0);
+    EXPECT_FLOAT_EQ(alignResult().aRMS, plain);
+    EXPECT_EQ(alignResult().tx, 0.0f);
+
+    // Rotations closed at the true inverse: one evaluation, translation fitted.
+    std::vector<float> shifted = moved(0, 0, 0, 0.0);
+    setAlignLimits(0, 0, -1e6f, 1e6f, 0, -1e6f, 1e6f, 0, 0, 0, 0, 0, 0, 0, 0, 0);
+    ASSERT_EQ(fitAlignCoords(coords.data(), shifted.data(), pairs(), 0), 0);
+    EXPECT_LT(alignResult().aRMS, 1e-4);
+    EXPECT_NEAR(alignResult().tx, -5.0, 1e-4);
+    EXPECT_NEAR(alignResult().tz, -29.0, 1e-4);
+
+    // A zero-width translation range pins the translation.
+    setAlignLimits(0, 2, 2, 2, 3, 3, 3, 0, 0, 0, 0, 0, 0, 0, 0, 0);
+    ASSERT_EQ(fitAlignCoords(coords.data(), shifted.data(), pairs(), 0), 0);
+    EXPECT_EQ(alignResult().tx, 2.0f);
+    EXPECT_EQ(alignResult().tz, 3.0f);
+
+    float tx, ty, tz, rms;  // translation only: the shift back
+    ASSERT_EQ(fitTranslateCoords(coords.data(), shifted.data(), pairs(), &tx, &ty, &tz, &rms), 0);
+    getCoordRMS(coords.data(), coords.data(), 0, &plain);
+    EXPECT_EQ(plain, 0.0f);
+}
+
+TEST_F(Superpose, DistanceMatrixMeasure) {
+    std::vector<float> target = moved(50, 60, 70, 0.0);  // rigid: no internal change
+    ASSERT_EQ(fitAlignCoords(coords.data(), target.data(), pairs(), 1), 0);
+    EXPECT_LT(alignResult().aRMS, 1e-4);
+    // Moving one atom by 1 A along a line away from all others changes n - 1
+    // distances by ~1; the sum is divided by n^2 / 4.
+    std::vector<float> ref = {0, 0, 0, 1, 0, 0, 2, 0, 0}, stretched = {0, 0, 0, 1, 0, 0, 3, 0, 0};
+    ASSERT_EQ(fitAlignCoords(ref.data(), stretched.data(), 3, 1), 0);
+    EXPECT_NEAR(alignResult().aRMS, std::sqrt(2.0 / 2.25), 1e-6);
+    EXPECT_FLOAT_EQ(alignResult().aMax, 1.0f);
+    ASSERT_EQ(fitAlignCoords(ref.data(), stretched.data(), 1, 1), 0);
+    EXPECT_EQ(alignResult().aRMS, 0.0f);
+}
+
+TEST_F(Superpose, StructuresPairByResidueAndAtomName) {
+    // The peptide against itself, residues 3..12 on 3..12: RMS 0 over 30 pairs.
+    ASSERT_EQ(fitAlignPDB(&peptide, &peptide, 3, 12, 3, "CA N C", 0, 0), 0);
+    EXPECT_EQ(alignResult().atomCount, 30);
+    EXPECT_LT(alignResult().aRMS, 1e-3);
+    // Shifted by one residue the backbones differ; a range beyond the chain pairs nothing.
+    ASSERT_EQ(fitAlignPDB(&peptide, &peptide, 3, 12, 4, "CA N C", 0, 0), 0);
+    EXPECT_GT(alignResult().aRMS, 0.1);
+    std::string err = stderrOf([&] { fitAlignPDB(&peptide, &peptide, 500, 510, 500, "CA", 0, 2); });
+    EXPECT_EQ(err, "0 Atoms Selected from Reference.\n0 Atoms Selected from Target.\n"
+                   "0 Atom Pairs in Current Selection.\n");
+    EXPECT_EQ(alignResult().atomCount, 0);
+}
+
+}  // namespace
