@@ -4,6 +4,7 @@
 
 #include "app/getparams.h"
 #include "app/residue_range.h"
+#include "app/search.h"
 #include "app/settings.h"
 #include "app/simulation.h"
 #include "cs/cs_tab.h"
@@ -14,6 +15,7 @@
 #include "dc/read_dc.h"
 #include "fit/fit_state.h"
 #include "pdb/modes.h"
+#include "pdb/superpose.h"
 #include "util/alloc.h"
 #include "util/args.h"
 #include "util/growstr.h"
@@ -22,8 +24,8 @@
 
 namespace {
 
-// The reading steps and the run mode. The homology search joins here as it
-// is built.
+// The reading steps and the run mode: the simulation run with a structure
+// file, else the homology search.
 int runSteps(RunSettings* settings, DTab* dTab, CSTab* cs) {
     int status = 0;
     // Surfaces are read only for a shift table, before the tables, so that
@@ -47,7 +49,7 @@ int runSteps(RunSettings* settings, DTab* dTab, CSTab* cs) {
     }
     applyResidueRangeDefaults(settings, dTab->minResid, dTab->maxResid, cs->resMin, cs->resMax);
     if (settings->pdbName[0]) return simDC(dTab, cs, settings);
-    return 0;
+    return searchDC(dTab, cs, settings);
 }
 
 // Everything main owns is released on every path, then the balance is shown.
@@ -56,6 +58,7 @@ void cleanUp(RunSettings* settings, DTab* dTab, CSTab* cs) {
     dTabFree(dTab);
     dipolarFree();
     fitDCFree();
+    fitAlignFree();
     surfFree();
     runSettingsFree(settings);
     freeToken();

@@ -25,9 +25,7 @@ void append(FitParams* p, int kind, float x, float min, float max, float step) {
     p->scale[i] = 1.0f;
 }
 
-int rotationKind(int tensorIndex) {
-    return kKindRotX + 3 * (tensorIndex < 2 ? tensorIndex : 2);
-}
+int rotationKind(int tensorIndex) { return kKindRotX + 3 * (tensorIndex < 2 ? tensorIndex : 2); }
 
 // Dr takes the sign of Da (zero counts as positive) and at most two thirds
 // of its size, so the rhombicity stays within 0..2/3.

@@ -14,7 +14,7 @@ constexpr int kMaxFitParams = 160;
 struct FitState {
     int verbose;
     int retryCount;
-    DTab* dTab;          // the table (and tensor) being worked on
+    DTab* dTab;             // the table (and tensor) being worked on
     DTab* const* dTabList;  // the tables of a multi-tensor fit, or null
     int tensorCount;
     PDBData** pdbList;

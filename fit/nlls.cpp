@@ -23,7 +23,7 @@ struct NllsWork {
     float *cur, *trial, *best, *probe;  // points (n)
     float *grad, *delta;                // n
     float *jtj, *inverse;               // n x n
-    float *jac;                         // m x n, column j at j * m
+    float* jac;                         // m x n, column j at j * m
     float *fCur, *fTrial, *fBest;       // m
 
     long size() const { return 10L * n + 2L * n * n + static_cast<long>(m) * n + 3L * m; }
@@ -66,8 +66,8 @@ bool allFinite(const float* values, long count) {
 
 double uniform01() { return static_cast<double>(random()) / 2147483648.0; }
 
-void nllsPrepare(NllsWork& w, const float* x, const float* min, const float* max,
-                 const float* step, const float* scale) {
+void nllsPrepare(NllsWork& w, const float* x, const float* min, const float* max, const float* step,
+                 const float* scale) {
     for (int i = 0; i < w.n; i++) {
         float lo = min[i], hi = max[i];
         if (lo == 0.0f && hi == 0.0f) lo = -kUnbounded, hi = kUnbounded;
@@ -92,8 +92,8 @@ void nllsPrepare(NllsWork& w, const float* x, const float* min, const float* max
 void nllsReset(NllsWork& w) {
     for (int i = 0; i < w.n; i++) {
         double u = uniform01();
-        w.trial[i] = w.best[i] + static_cast<float>((2.0 * u - 1.0) * kRestartFraction *
-                                                    (w.hi[i] - w.lo[i]));
+        w.trial[i] = w.best[i] +
+                     static_cast<float>((2.0 * u - 1.0) * kRestartFraction * (w.hi[i] - w.lo[i]));
     }
 }
 
@@ -115,7 +115,8 @@ void nllsJac(NlsResidualFn fn, NllsWork& w, int j, double* bestRms) {
     // the distance actually moved keeps the column's sign right there.
     float moved = w.probe[j] - w.cur[j];
     double rms = evaluate(fn, w, w.probe, w.fTrial);
-    for (int i = 0; i < w.m; i++) column[i] = moved == 0.0f ? 0.0f : (w.fTrial[i] - w.fCur[i]) / moved;
+    for (int i = 0; i < w.m; i++)
+        column[i] = moved == 0.0f ? 0.0f : (w.fTrial[i] - w.fCur[i]) / moved;
     if (rms < *bestRms) {
         *bestRms = rms;
         copy(w.best, w.probe, w.n);
@@ -159,7 +160,8 @@ bool nllsUpdate(NllsWork& w) {
     if (matInv64(w.inverse, w.inverse, w.n) != 0) return false;
     for (int i = 0; i < w.n; i++) {
         double sum = 0.0;
-        for (int j = 0; j < w.n; j++) sum += static_cast<double>(w.inverse[i * w.n + j]) * w.grad[j];
+        for (int j = 0; j < w.n; j++)
+            sum += static_cast<double>(w.inverse[i * w.n + j]) * w.grad[j];
         w.delta[i] = static_cast<float>(sum);
         w.trial[i] = w.cur[i] - w.delta[i];
     }

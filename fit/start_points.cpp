@@ -10,10 +10,10 @@
 #include "fit/refine.h"
 
 const StartOrientation dcEulerList[kStartOrientations] = {
-    {1, 0, 0, 0},    {2, 0, 45, 0},    {3, 0, 90, 0},   {4, 90, 0, 0},
-    {5, 90, 45, 0},  {6, 90, 90, 0},   {7, 0, 0, 45},   {8, 0, 45, 45},
-    {9, 0, 90, 45},  {10, 90, 0, 45},  {11, 90, 45, 45}, {12, 90, 90, 45},
-    {13, 0, 0, 90},  {14, 0, 45, 90},  {15, 90, 0, 90}, {16, 90, 45, 90},
+    {1, 0, 0, 0},   {2, 0, 45, 0},   {3, 0, 90, 0},    {4, 90, 0, 0},
+    {5, 90, 45, 0}, {6, 90, 90, 0},  {7, 0, 0, 45},    {8, 0, 45, 45},
+    {9, 0, 90, 45}, {10, 90, 0, 45}, {11, 90, 45, 45}, {12, 90, 90, 45},
+    {13, 0, 0, 90}, {14, 0, 45, 90}, {15, 90, 0, 90},  {16, 90, 45, 90},
 };
 
 namespace {
@@ -75,8 +75,12 @@ void showDCTrial(int trial, const FitParams* p, const float* x) {
         const char* format;
         switch (p->kind[i]) {
             case kKindDa:
-            case kKindDr: format = "Trial: %4d CType: %2d: Init: % .3e Min: % .3e Max: % .3e\n"; break;
-            case kKindRh: format = "Trial: %4d CType: %2d: Init: %10.4f Min: %10.4f Max: %10.4f\n"; break;
+            case kKindDr:
+                format = "Trial: %4d CType: %2d: Init: % .3e Min: % .3e Max: % .3e\n";
+                break;
+            case kKindRh:
+                format = "Trial: %4d CType: %2d: Init: %10.4f Min: %10.4f Max: %10.4f\n";
+                break;
             default: format = "Trial: %4d CType: %2d: Init: % 10.2f Min: % 10.2f Max: % 10.2f\n";
         }
         std::fprintf(stderr, format, trial + 1, p->kind[i], x[i], p->min[i], p->max[i]);

@@ -62,7 +62,8 @@ int tensor2DC(int k, float* residuals, float scale) {
         DCValue& v = dTab->couplings[i];
         v.dCalc = kMissingValue;
         if (!isUsedDC(v)) continue;
-        float f = (v.countI * v.countJ == 3 ? kMethylFactor : 1.0f) / static_cast<float>(structures);
+        float f =
+            (v.countI * v.countJ == 3 ? kMethylFactor : 1.0f) / static_cast<float>(structures);
         CouplingTerms t = sumTerms(v, std::fabs(v.di) * f);
         if (!t.present) continue;
         v.dCalc = da * t.a + dr * t.r;
@@ -70,7 +71,8 @@ int tensor2DC(int k, float* residuals, float scale) {
         float diff = v.dObs - v.dCalc;
         s.dRMS += (diff * w) * (diff * w);
         if (s.verbose > 2)
-            std::fprintf(stderr, " DC %3d % 8.3f % 8.3f % 8.3f % 7.4f\n", k, v.dObs, v.dCalc, diff, w);
+            std::fprintf(stderr, " DC %3d % 8.3f % 8.3f % 8.3f % 7.4f\n", k, v.dObs, v.dCalc, diff,
+                         w);
         s.dTerm[k] = v.dObs * w;
         s.daTerm[k] = w * t.a;
         s.drTerm[k] = w * t.r;

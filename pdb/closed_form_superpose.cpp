@@ -17,7 +17,8 @@ void largestEigenvector(double m[4][4], double q[4]) {
             for (int r = p + 1; r < 4; r++) {
                 if (m[p][r] == 0.0) continue;
                 double theta = 0.5 * (m[r][r] - m[p][p]) / m[p][r];
-                double t = (theta >= 0 ? 1.0 : -1.0) / (std::fabs(theta) + std::sqrt(theta * theta + 1));
+                double t =
+                    (theta >= 0 ? 1.0 : -1.0) / (std::fabs(theta) + std::sqrt(theta * theta + 1));
                 double c = 1 / std::sqrt(t * t + 1), s = t * c;
                 for (int k = 0; k < 4; k++) {
                     double a = m[k][p], b = m[k][r];

@@ -5,5 +5,4 @@
 // The rotation R = Rz(phi) Ry(theta) Rx(psi) (degrees) that minimises
 // sum |(b_i - mean b) - R (a_i - mean a)|^2 over n packed triples: a is
 // turned onto b. Returns 0, or 1 for n < 1.
-int closedFormRotation(const float* a, const float* b, int n, float* psi, float* theta,
-                       float* phi);
+int closedFormRotation(const float* a, const float* b, int n, float* psi, float* theta, float* phi);

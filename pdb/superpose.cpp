@@ -74,13 +74,14 @@ void measurePairs(float* residuals) {
         w[0] += s.tx, w[1] += s.ty, w[2] += s.tz;
         float dx = r[0] - w[0], dy = r[1] - w[1], dz = r[2] - w[2];
         if (residuals) residuals[3 * i] = dx, residuals[3 * i + 1] = dy, residuals[3 * i + 2] = dz;
-        double d2 = static_cast<double>(dx) * dx + static_cast<double>(dy) * dy + static_cast<double>(dz) * dz;
+        double d2 = static_cast<double>(dx) * dx + static_cast<double>(dy) * dy +
+                    static_cast<double>(dz) * dz;
         sum += d2;
         float d = static_cast<float>(std::sqrt(d2));
         if (d > s.aMax) s.aMax = d;
         if (s.debug > 3)
-            std::fprintf(stderr, "%d %8.3f %8.3f %8.3f    %8.3f %8.3f %8.3f\n", 3 * i, r[0], r[1], r[2],
-                         w[0], w[1], w[2]);
+            std::fprintf(stderr, "%d %8.3f %8.3f %8.3f    %8.3f %8.3f %8.3f\n", 3 * i, r[0], r[1],
+                         r[2], w[0], w[1], w[2]);
     }
     s.aRMS = s.atomCount > 0 ? static_cast<float>(std::sqrt(sum / s.atomCount)) : 0.0f;
 }
@@ -186,8 +187,8 @@ int fitAlignTarget(int m, int n, float* angles, float* residuals) {
     measurePairs(residuals);
     for (int i = 3 * s.atomCount; residuals && i < m; i++) residuals[i] = 0.0f;
     if (s.debug > 2)
-        std::fprintf(stderr, "Rot(%.3f %.3f %.3f) T(%.3f %.3f %.3f) RMS(%d): %.4f\n", s.psi, s.theta,
-                     s.phi, s.tx, s.ty, s.tz, 3 * s.atomCount, s.aRMS);
+        std::fprintf(stderr, "Rot(%.3f %.3f %.3f) T(%.3f %.3f %.3f) RMS(%d): %.4f\n", s.psi,
+                     s.theta, s.phi, s.tx, s.ty, s.tz, 3 * s.atomCount, s.aRMS);
     return 0;
 }
 
@@ -195,7 +196,8 @@ void fitAlignStartClosedForm() {
     AlignState& s = state;
     if (s.fixedFlag || s.atomCount < 1) return;
     float psi, theta, phi;
-    if (closedFormRotation(s.targetCoords, s.refCoords, s.atomCount, &psi, &theta, &phi) != 0) return;
+    if (closedFormRotation(s.targetCoords, s.refCoords, s.atomCount, &psi, &theta, &phi) != 0)
+        return;
     if (!closed(s.psiRange)) s.psi = clampTo(psi, s.psiRange);
     if (!closed(s.thetaRange)) s.theta = clampTo(theta, s.thetaRange);
     if (!closed(s.phiRange)) s.phi = clampTo(phi, s.phiRange);
@@ -227,7 +229,8 @@ int fitAlignM() {
     long pairs = 0;
     s.aMax = 0;
     auto distance = [](const float* p, int i, int j) {
-        double dx = p[3 * i] - p[3 * j], dy = p[3 * i + 1] - p[3 * j + 1], dz = p[3 * i + 2] - p[3 * j + 2];
+        double dx = p[3 * i] - p[3 * j], dy = p[3 * i + 1] - p[3 * j + 1],
+               dz = p[3 * i + 2] - p[3 * j + 2];
         return std::sqrt(dx * dx + dy * dy + dz * dz);
     };
     for (int i = 0; i < s.atomCount; i++) {
@@ -240,7 +243,8 @@ int fitAlignM() {
     }
     double n = s.atomCount;
     s.aRMS = s.atomCount > 0 ? static_cast<float>(std::sqrt(sum / (0.25 * n * n))) : 0.0f;
-    if (s.debug > 0) std::fprintf(stderr, "Sum: %f Atoms: %d Count: %ld\n", sum, s.atomCount, pairs);
+    if (s.debug > 0)
+        std::fprintf(stderr, "Sum: %f Atoms: %d Count: %ld\n", sum, s.atomCount, pairs);
     return 0;
 }
 
@@ -268,7 +272,8 @@ void getCoordRMS(const float* a, const float* b, int n, float* rms) {
     *rms = 0.0f;
     if (n <= 0) return;
     double sum = 0;
-    for (int i = 0; i < 3 * n; i++) sum += (static_cast<double>(a[i]) - b[i]) * (static_cast<double>(a[i]) - b[i]);
+    for (int i = 0; i < 3 * n; i++)
+        sum += (static_cast<double>(a[i]) - b[i]) * (static_cast<double>(a[i]) - b[i]);
     *rms = static_cast<float>(std::sqrt(sum / n));
 }
 

@@ -66,7 +66,9 @@ int pairResidue(const PDBData* ref, const PDBData* target, int r, int shift, con
 
 // Fills the workspace with the pairs and runs the fit; 0 or 1.
 int superimposePairs(const PairList& pairs, int distanceMode, int verbose) {
-    if (verbose > 1) std::fprintf(stderr, "%d Atom Pairs in Current Selection.\n", static_cast<int>(pairs.size()));
+    if (verbose > 1)
+        std::fprintf(stderr, "%d Atom Pairs in Current Selection.\n",
+                     static_cast<int>(pairs.size()));
     if (pairs.empty()) return 0;
     if (fitAlignAlloc(static_cast<int>(pairs.size())) != 0) {
         std::fprintf(stderr, "TESSERA Error initializing alignment workspaces.\n");
@@ -121,8 +123,10 @@ int fitAlignPDBN(PDBData* reference, PDBData* target, const char* const* refChai
                                     targetChains[c], names, &targetFound, &pairs);
     }
     if (verbose > 1) {
-        std::fprintf(stderr, "Multi-Chain Alignment: %d Atoms Selected from Reference.\n", refFound);
-        std::fprintf(stderr, "Multi-Chain Alignment: %d Atoms Selected from Target.\n", targetFound);
+        std::fprintf(stderr, "Multi-Chain Alignment: %d Atoms Selected from Reference.\n",
+                     refFound);
+        std::fprintf(stderr, "Multi-Chain Alignment: %d Atoms Selected from Target.\n",
+                     targetFound);
         std::fprintf(stderr, "%d Atoms in Final Selection.\n", static_cast<int>(pairs.size()));
     }
     return superimposePairs(pairs, distanceMode, verbose);

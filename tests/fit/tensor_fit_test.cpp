@@ -37,7 +37,8 @@ Terms rotatedTerms(const DCValue& v, const Mat3& rot) {
             const PDBAtom &p = *v.atomsI[i], &q = *v.atomsJ[j];
             double d[3] = {p.x - q.x, p.y - q.y, p.z - q.z};
             double len = std::sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]), u[3];
-            for (int k = 0; k < 3; k++) u[k] = (rot[k][0] * d[0] + rot[k][1] * d[1] + rot[k][2] * d[2]) / len;
+            for (int k = 0; k < 3; k++)
+                u[k] = (rot[k][0] * d[0] + rot[k][1] * d[1] + rot[k][2] * d[2]) / len;
             t.a += 3 * u[2] * u[2] - 1;
             t.r += 1.5 * (u[0] * u[0] - u[1] * u[1]);
         }
@@ -60,7 +61,8 @@ class TensorFit : public CouplingTest {
                   0);
         ASSERT_EQ(buildDC(&pdbs[0], &table, 0, 0, nullptr, 0, 1), table.count);
         for (int i = 0; i < table.count; i++)
-            table.couplings[i].dObs = static_cast<float>(reference::coupling(table.couplings[i], truth.data()));
+            table.couplings[i].dObs =
+                static_cast<float>(reference::coupling(table.couplings[i], truth.data()));
         tensor().method = kMethodFit;
     }
     void TearDown() override {
@@ -214,24 +216,28 @@ TEST_F(TensorFit, FixedTensorAgreesWithTheOrderMatrixRoute) {
     t.rxMin = t.rxMax = t.rx, t.ryMin = t.ryMax = t.ry, t.rzMin = t.rzMax = t.rz;
     EXPECT_EQ(fit(17), table.count);
     EXPECT_EQ(t.bestIteration, 0);
-    reference::Coefficients c = reference::coefficients(4e-4, 1e-4, reference::rotation(70, -40, 120));
+    reference::Coefficients c =
+        reference::coefficients(4e-4, 1e-4, reference::rotation(70, -40, 120));
     for (int i = 0; i < table.count; i++)
-        EXPECT_NEAR(table.couplings[i].dCalc, reference::coupling(table.couplings[i], c.data()), 1e-3);
+        EXPECT_NEAR(table.couplings[i].dCalc, reference::coupling(table.couplings[i], c.data()),
+                    1e-3);
     float coefficients[5];
     EXPECT_EQ(findFixedDC(&table, coefficients, kMethodFixed), table.count);
     for (int k = 0; k < 5; k++) EXPECT_NEAR(coefficients[k], c[k], 1e-9);
     for (int i = 0; i < table.count; i++)
-        EXPECT_NEAR(table.couplings[i].dCalc, reference::coupling(table.couplings[i], c.data()), 1e-3);
+        EXPECT_NEAR(table.couplings[i].dCalc, reference::coupling(table.couplings[i], c.data()),
+                    1e-3);
 
     // Offset rotations act before the tensor's own, additional ones after.
     t.rxOff = 30, t.ryOff = -20, t.rzOff = 10, t.rxAdd = -15, t.ryAdd = 5, t.rzAdd = 40;
     fit(0);
-    Mat3 composed = reference::multiply(reference::rotation(-15, 5, 40),
-                                        reference::multiply(reference::rotation(70, -40, 120),
-                                                            reference::rotation(30, -20, 10)));
+    Mat3 composed = reference::multiply(
+        reference::rotation(-15, 5, 40),
+        reference::multiply(reference::rotation(70, -40, 120), reference::rotation(30, -20, 10)));
     c = reference::coefficients(4e-4, 1e-4, composed);
     for (int i = 0; i < table.count; i++)
-        EXPECT_NEAR(table.couplings[i].dCalc, reference::coupling(table.couplings[i], c.data()), 1e-3);
+        EXPECT_NEAR(table.couplings[i].dCalc, reference::coupling(table.couplings[i], c.data()),
+                    1e-3);
 
     t.da = t.daMin = t.daMax = 0.0f;  // a zero tensor back-calculates zeros
     t.dr = t.drMin = t.drMax = 0.0f;
@@ -255,7 +261,8 @@ TEST_F(TensorFit, GridSearchEndsAtTheBestGridPoint) {
                 Mat3 rot = reference::multiply(reference::rotation(x, y, 0), rz);
                 Sums s = sumsAt(rot);
                 double det = s.aa * s.rr - s.ar * s.ar;
-                double da = (s.da * s.rr - s.dr * s.ar) / det, dr = (s.dr * s.aa - s.da * s.ar) / det;
+                double da = (s.da * s.rr - s.dr * s.ar) / det,
+                       dr = (s.dr * s.aa - s.da * s.ar) / det;
                 double sum = 0;
                 for (int i = 0; i < table.count; i++) {
                     Terms t = rotatedTerms(table.couplings[i], rot);
@@ -283,7 +290,8 @@ TEST_F(TensorFit, DegenerateTablesGiveFiniteResults) {
     EXPECT_LT(rms(), 1e-3);
     EXPECT_LT(std::fabs(tensor().da), 1e-6);
 
-    for (int i = 2; i < table.count; i++) table.couplings[i].wTable = 0.0f;  // two couplings, five parameters
+    for (int i = 2; i < table.count; i++)
+        table.couplings[i].wTable = 0.0f;  // two couplings, five parameters
     for (int i = 0; i < 2; i++) table.couplings[i].dObs = 5.0f;
     EXPECT_EQ(fit(17), 2);
     for (float v : {tensor().da, tensor().dr, tensor().rx, tensor().ry, tensor().rz})
@@ -306,9 +314,11 @@ TEST_F(TensorFit, TwoMediaAndTwoModelsFitTogether) {
     ASSERT_EQ(readDC(path.c_str(), &second, 1), 0);
     ASSERT_EQ(buildDCN(models, 2, &table, 0, 0, nullptr, 0, 1), table.count);
     ASSERT_EQ(buildDCN(models, 2, &second, 0, 0, nullptr, 0, 1), second.count);
-    reference::Coefficients other = reference::coefficients(-3e-4, -1e-4, reference::rotation(-60, 50, 0));
+    reference::Coefficients other =
+        reference::coefficients(-3e-4, -1e-4, reference::rotation(-60, 50, 0));
     for (int i = 0; i < second.count; i++)
-        second.couplings[i].dObs = static_cast<float>(reference::coupling(second.couplings[i], other.data()));
+        second.couplings[i].dObs =
+            static_cast<float>(reference::coupling(second.couplings[i], other.data()));
     table.tensor.useAuto = second.tensor.useAuto = 1;
     second.tensor.method = kMethodFit;
     DTab* list[kDTabListSize] = {&table, &second};

@@ -69,7 +69,8 @@ double closedFormRms(const std::vector<float>& ref, const std::vector<float>& ta
     Mat h{};
     for (int i = 0; i < n; i++)
         for (int j = 0; j < 3; j++)
-            for (int k = 0; k < 3; k++) h[j][k] += (ref[3 * i + j] - cr[j]) * (target[3 * i + k] - ct[k]);
+            for (int k = 0; k < 3; k++)
+                h[j][k] += (ref[3 * i + j] - cr[j]) * (target[3 * i + k] - ct[k]);
     Mat x = h;
     for (int it = 0; it < 100; it++) {
         Mat invT = transpose(inverse(x));
@@ -96,7 +97,8 @@ class Superpose : public testing::Test {
         for (int i = 0; i < peptide.atomCount; i++) {
             const PDBAtom& a = peptide.atoms[i];
             std::string name = a.atomName;
-            if (name == "CA" || name == "N" || name == "C") coords.insert(coords.end(), {a.x, a.y, a.z});
+            if (name == "CA" || name == "N" || name == "C")
+                coords.insert(coords.end(), {a.x, a.y, a.z});
         }
         setAlignLimits(0, 0, -1e6f, 1e6f, 0, -1e6f, 1e6f, 0, -180, 180, 0, -180, 180, 0, -180, 180);
     }
@@ -107,7 +109,8 @@ class Superpose : public testing::Test {
     }
     // The backbone turned by R = Rz Ry Rx, moved, and given a little noise.
     std::vector<float> moved(double psi, double theta, double phi, double noise) {
-        Mat r = multiply(axisRotation(2, phi), multiply(axisRotation(1, theta), axisRotation(0, psi)));
+        Mat r =
+            multiply(axisRotation(2, phi), multiply(axisRotation(1, theta), axisRotation(0, psi)));
         std::vector<float> out(coords.size());
         for (size_t i = 0; i < coords.size(); i += 3) {
             for (int j = 0; j < 3; j++) {
@@ -198,8 +201,9 @@ TEST_F(Superpose, StructuresPairByResidueAndAtomName) {
     ASSERT_EQ(fitAlignPDB(&peptide, &peptide, 3, 12, 4, "CA N C", 0, 0), 0);
     EXPECT_GT(alignResult().aRMS, 0.1);
     std::string err = stderrOf([&] { fitAlignPDB(&peptide, &peptide, 500, 510, 500, "CA", 0, 2); });
-    EXPECT_EQ(err, "0 Atoms Selected from Reference.\n0 Atoms Selected from Target.\n"
-                   "0 Atom Pairs in Current Selection.\n");
+    EXPECT_EQ(err,
+              "0 Atoms Selected from Reference.\n0 Atoms Selected from Target.\n"
+              "0 Atom Pairs in Current Selection.\n");
     EXPECT_EQ(alignResult().atomCount, 0);
 }
 
