@@ -18,7 +18,7 @@ seconds=${2:-20}
 mkdir -p "$build/findings" "$build/logs"
 
 # Target name and the longest input it is given (a little above its largest seed).
-targets="table:8192 pdb:8192 coupling:4096 select:1100 args:1024 regex:512 surface:4096 shift_table:4096"
+targets="table:8192 pdb:8192 coupling:4096 select:1100 args:1024 regex:512 surface:4096 shift_table:4096 search_list:1024"
 
 # Runs one target from a fresh copy of its seeds; its exit status is kept
 # in a file beside its log, so that targets can run side by side.
