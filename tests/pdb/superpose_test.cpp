@@ -11,33 +11,15 @@
 #include <cstdlib>
 #include <vector>
 
+#include "dc/dc_test_util.h"
 #include "pdb/superpose_pdb.h"
 #include "pdb_fixture.h"
 
 namespace {
 
-using Mat = std::array<std::array<double, 3>, 3>;
+using Mat = reference::Mat3;
 
 const std::string kPeptide = DC_SHARED_DATA "/hafp_a.pdb";
-
-Mat axisRotation(int axis, double degrees) {
-    double a = degrees * M_PI / 180, c = std::cos(a), s = std::sin(a);
-    int i = (axis + 1) % 3, j = (axis + 2) % 3;
-    Mat r{};
-    r[axis][axis] = 1;
-    r[i][i] = r[j][j] = c;
-    r[i][j] = -s;
-    r[j][i] = s;
-    return r;
-}
-
-Mat multiply(const Mat& a, const Mat& b) {
-    Mat p{};
-    for (int i = 0; i < 3; i++)
-        for (int j = 0; j < 3; j++)
-            for (int k = 0; k < 3; k++) p[i][j] += a[i][k] * b[k][j];
-    return p;
-}
 
 Mat transpose(const Mat& a) {
     Mat t;
@@ -109,8 +91,7 @@ class Superpose : public testing::Test {
     }
     // The backbone turned by R = Rz Ry Rx, moved, and given a little noise.
     std::vector<float> moved(double psi, double theta, double phi, double noise) {
-        Mat r =
-            multiply(axisRotation(2, phi), multiply(axisRotation(1, theta), axisRotation(0, psi)));
+        Mat r = reference::rotation(psi, theta, phi);
         std::vector<float> out(coords.size());
         for (size_t i = 0; i < coords.size(); i += 3) {
             for (int j = 0; j < 3; j++) {
