@@ -196,6 +196,9 @@ int searchDC(DTab* dTab, CSTab* cs, const RunSettings* s) {
     }
     SearchRun run{dTab,        cs, s, haveReference ? &reference : nullptr, openOutput(s->outSName),
                   dTab->tensor};
+    // A row reports the tensor's magnitudes and angles as zeros, so the
+    // Euler angles of an order-matrix fit would be computed for nothing.
+    run.givenTensor.euler = 0;
     resetSearchBest();
     status = 0;
     searchList(run, lines, lineCount, &status);

@@ -46,6 +46,37 @@ PDBAtom* atomInResidue(const PDBResidue* residue, const char* atomName) {
     return nullptr;
 }
 
+bool shortText(const char* text) { return std::strlen(text) < 16; }
+
+// The atom whose index key is the lookup key itself, found without the
+// index: the residue at its position in a contiguously numbered structure
+// with exactly the chain and segment asked for, and in it the first atom of
+// that name, chain and segment with no alternate location or insertion
+// code. Null when any of this does not hold (or a key mode is on): the
+// index is asked then. The mapping of a search asks this for every coupling
+// at every offset.
+PDBAtom* directAtom(const PDBData* pdb, int resID, const char* atomName, const char* chain,
+                    const char* seg) {
+    if (getPDBChainMode() || getPDBSegMode() || getPDBAtomMode() || getPDBUniqMode())
+        return nullptr;
+    if (!shortText(atomName) || !shortText(chain) || !shortText(seg)) return nullptr;
+    if (pdb->resCount < 1 || resID < pdb->resMin || resID > pdb->resMax) return nullptr;
+    int64_t position = static_cast<int64_t>(resID) - pdb->resMin;
+    if (position >= pdb->resCount) return nullptr;
+    const PDBResidue* residue = pdb->residues + position;
+    if (residue->resID != resID || std::strcmp(residue->chain, chain) != 0 ||
+        std::strcmp(residue->seg, seg) != 0)
+        return nullptr;
+    for (int i = 0; i < residue->atomCount; i++) {
+        PDBAtom* a = residue->atoms[i];
+        if (a->atomName[0] == atomName[0] && std::strcmp(a->atomName, atomName) == 0 &&
+            !a->locID[0] && !a->icode[0] && std::strcmp(a->chain, chain) == 0 &&
+            std::strcmp(a->seg, seg) == 0)
+            return a;
+    }
+    return nullptr;
+}
+
 bool samePrefix(const char* a, const char* b) {
     return std::toupper(static_cast<unsigned char>(a[0])) ==
                std::toupper(static_cast<unsigned char>(b[0])) &&
@@ -81,7 +112,8 @@ int getResCount(const PDBData* pdb, int first, int last, const char* chain, cons
                 int* span, int* count) {
     // In 64 bits, so that a range reaching the end of the int range ends.
     int64_t width = static_cast<int64_t>(last) + 1 - first;
-    if (span) *span = width > INT_MAX ? INT_MAX : width < INT_MIN ? INT_MIN : static_cast<int>(width);
+    if (span)
+        *span = width > INT_MAX ? INT_MAX : width < INT_MIN ? INT_MIN : static_cast<int>(width);
     int found = count ? *count : 0;
     // No residue lies outside the structure's range, so only its part of
     // the range is looked at.
@@ -103,6 +135,9 @@ PDBAtom* findAtom(const PDBData* pdb, int resID, const char* atomName, const cha
         lookupState.residue = findRes(pdb, resID, chain, seg);
         PDBAtom* atom = atomInResidue(lookupState.residue, atomName);
         if (atom) return atom;
+    }
+    if (chain && seg && !getPDBDBG()) {
+        if (PDBAtom* atom = directAtom(pdb, resID, atomName, chain, seg)) return atom;
     }
     char key[kKeySize];
     atomLookupKey(key, resID, atomName, chain ? chain : "", seg ? seg : "");
