@@ -1,7 +1,9 @@
 #include "pdb/lists.h"
 
 #include <climits>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 
 #include "pdb/modes.h"
 #include "pdb/records.h"
@@ -9,10 +11,23 @@
 
 namespace {
 
-// The next capacity, or 0 when it would not fit an int.
+// A pointer list of a chain or segment starts this small when nobody
+// watches the growth: a structure with thousands of one-atom segments would
+// otherwise hold thousands of 4096-slot lists.
+constexpr int kQuietFirstCapacity = 16;
+
+// The next capacity, or 0 when it would not fit an int. In verbose mode the
+// list grows by its stated first size and step, each growth reported; else
+// it grows by a quarter of itself (at least the step), so that reading n
+// atoms copies the list a bounded number of times per atom. The first steps
+// are the same either way for lists that start at their stated size.
 int grownCapacity(int capacity, int first, int step) {
     if (capacity < 1) return first;
-    return capacity <= INT_MAX - step ? capacity + step : 0;
+    int64_t grown = static_cast<int64_t>(capacity) + step;
+    if (!getPDBVerb() && capacity / 4 > step) grown = static_cast<int64_t>(capacity) + capacity / 4;
+    if (grown > INT_MAX)
+        grown = capacity < INT_MAX - step ? static_cast<int64_t>(capacity) + step : 0;
+    return static_cast<int>(grown);
 }
 
 // Grows a record array so that one more record fits. The new slots are left
@@ -29,12 +44,15 @@ bool growRecords(Record** array, int count, int* capacity, int first, int step,
         return false;
     }
     if (getPDBVerb()) std::fprintf(stderr, verboseLine, grown);
-    void* block = voidReMalloc64("pdb", *array, static_cast<int64_t>(grown) * sizeof(Record),
-                                 static_cast<int64_t>(*capacity) * sizeof(Record));
+    // A new block, the records moved over, the old block released: the
+    // allocation report counts only what the lists hold, not each move.
+    void* block = voidMalloc64("pdb", static_cast<int64_t>(grown) * sizeof(Record));
     if (!block) {
         std::fprintf(stderr, "%s", failure);
         return false;
     }
+    if (*array) std::memcpy(block, *array, static_cast<size_t>(count) * sizeof(Record));
+    unAlloc64("pdb", *array, static_cast<int64_t>(*capacity) * sizeof(Record));
     *array = static_cast<Record*>(block);
     *capacity = grown;
     return true;
@@ -81,6 +99,7 @@ PDBSegment* getNextSeg(PDBData* pdb) {
 }
 
 PDBAtom** getNextAtomPtr(PDBAtom*** list, int* count, int* capacity, int firstCapacity, int step) {
+    if (!getPDBVerb() && firstCapacity > kQuietFirstCapacity) firstCapacity = kQuietFirstCapacity;
     return nextRecord(list, count, capacity, firstCapacity, step,
                       "REMARK Expanding Atom Index List: %d atoms max.\n",
                       "PDB Error Allocating Atom Index memory.\n", nullPointer<PDBAtom>);
@@ -88,6 +107,7 @@ PDBAtom** getNextAtomPtr(PDBAtom*** list, int* count, int* capacity, int firstCa
 
 PDBResidue** getNextResPtr(PDBResidue*** list, int* count, int* capacity, int firstCapacity,
                            int step) {
+    if (!getPDBVerb() && firstCapacity > kQuietFirstCapacity) firstCapacity = kQuietFirstCapacity;
     return nextRecord(list, count, capacity, firstCapacity, step,
                       "REMARK Expanding Res Index List: %d residues max.\n",
                       "PDB Error Allocating Residue Index memory.\n", nullPointer<PDBResidue>);

@@ -1,6 +1,7 @@
-// Growth of the structure's record arrays and pointer lists. Each list grows
-// by a fixed step; new slots are fresh records, and with the library's
-// verbose mode on every growth is reported.
+// Growth of the structure's record arrays and pointer lists. New slots are
+// fresh records. With the library's verbose mode on each list starts at its
+// first size and grows by its step, every growth reported; otherwise lists
+// grow geometrically and the pointer lists start small.
 #pragma once
 
 #include "pdb/pdb_types.h"

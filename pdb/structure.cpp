@@ -43,10 +43,12 @@ void pdbNull(PDBData* pdb) {
 }
 
 int pdbInit(PDBData* pdb) {
-    if (!pdb->atomTable) pdb->atomTable = hSymTabAlloc(kAtomTableBuckets);
-    if (!pdb->resTable) pdb->resTable = hSymTabAlloc(0);
-    if (!pdb->chainTable) pdb->chainTable = hSymTabAlloc(0);
-    if (!pdb->segTable) pdb->segTable = hSymTabAlloc(0);
+    // Index tables grow with the structure, so a lookup costs the same in
+    // a peptide and in a million-atom assembly.
+    if (!pdb->atomTable) pdb->atomTable = hSymTabAllocGrowing(kAtomTableBuckets);
+    if (!pdb->resTable) pdb->resTable = hSymTabAllocGrowing(0);
+    if (!pdb->chainTable) pdb->chainTable = hSymTabAllocGrowing(0);
+    if (!pdb->segTable) pdb->segTable = hSymTabAllocGrowing(0);
     return pdb->atomTable && pdb->resTable && pdb->chainTable && pdb->segTable ? 0 : 1;
 }
 

@@ -1,5 +1,6 @@
 #include "util/symtab.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -25,6 +26,10 @@ T slotAs(const HVal& val) {
     return out;
 }
 
+// A symbol made by hAddSym keeps its name right behind the record.
+char* inlineName(HSym* sym) { return reinterpret_cast<char*>(sym + 1); }
+int64_t symBlockBytes(int64_t nameBytes) { return static_cast<int64_t>(sizeof(HSym)) + nameBytes; }
+
 bool usable(const HSymTab* tab) { return tab && tab->buckets && tab->nBuckets > 0; }
 
 HSym* findInChain(HSym* head, const char* name, unsigned long hash) {
@@ -38,6 +43,8 @@ int bucketOf(unsigned long hash, int nBuckets) {
     return static_cast<int>(hash % static_cast<unsigned long>(nBuckets));
 }
 
+void rehash(HSymTab* tab);
+
 // Puts sym in front of its bucket; everything already there moves one deeper.
 void linkAtHead(HSym* sym, HSymTab* tab) {
     HSym*& head = tab->buckets[bucketOf(sym->hash, tab->nBuckets)];
@@ -48,6 +55,43 @@ void linkAtHead(HSym* sym, HSymTab* tab) {
     head = sym;
     if (deepest > tab->maxDepth) tab->maxDepth = deepest;
     tab->nSyms++;
+    if (tab->grows && tab->nSyms > tab->nBuckets) rehash(tab);
+}
+
+// Moves every symbol of a growing table (once it holds more symbols than
+// buckets) into twice as many buckets (plus
+// one, to stay odd). Each old chain is walked from its tail, oldest first,
+// and its symbols are put at the heads of their new chains, so equal names
+// keep their order. Depths are then the places in the new chains. When the
+// new array cannot be had the table simply stays as it is.
+void rehash(HSymTab* tab) {
+    if (tab->nBuckets > (0x7fffffff - 1) / 2) return;
+    int grown = 2 * tab->nBuckets + 1;
+    auto* buckets = static_cast<HSym**>(
+        voidMallocNull64(kTag, static_cast<int64_t>(grown) * static_cast<int64_t>(sizeof(HSym*))));
+    if (!buckets) return;
+    for (int b = 0; b < tab->nBuckets; b++) {
+        HSym* sym = tab->buckets[b];
+        while (sym && sym->next) sym = sym->next;
+        while (sym) {
+            HSym* older = sym;
+            sym = sym->prev;
+            HSym*& head = buckets[bucketOf(older->hash, grown)];
+            older->prev = nullptr;
+            older->next = head;
+            if (head) head->prev = older;
+            head = older;
+        }
+    }
+    unAlloc64(kTag, tab->buckets,
+              static_cast<int64_t>(tab->nBuckets) * static_cast<int64_t>(sizeof(HSym*)));
+    tab->buckets = buckets;
+    tab->nBuckets = grown;
+    for (int b = 0; b < grown; b++) {
+        int depth = 0;
+        for (HSym* sym = buckets[b]; sym; sym = sym->next) sym->depth = depth++;
+        if (depth - 1 > tab->maxDepth) tab->maxDepth = depth - 1;
+    }
 }
 
 void unlink(HSym* sym) {
@@ -69,6 +113,18 @@ void unlink(HSym* sym) {
 void releaseText(HSym* sym) {
     if (sym->textSize > 0) unAlloc64(kTag, sym->val.s, sym->textSize);
     sym->textSize = 0;
+}
+
+// Releases a symbol's text, name and record; it must be unlinked already,
+// or belong to a table that is going away.
+void releaseSym(HSym* sym) {
+    releaseText(sym);
+    if (sym->name == inlineName(sym)) {
+        unAlloc64(kTag, sym, symBlockBytes(static_cast<int64_t>(std::strlen(sym->name)) + 1));
+        return;
+    }
+    strFree2(kTag, sym->name);
+    unAlloc64(kTag, sym, sizeof(HSym));
 }
 
 // The symbol for a new value with a cleared slot. A text it owned is given
@@ -133,10 +189,22 @@ HSymTab* hSymTabAlloc(int nBuckets) {
     return tab;
 }
 
+HSymTab* hSymTabAllocGrowing(int nBuckets) {
+    HSymTab* tab = hSymTabAlloc(nBuckets);
+    if (tab) tab->grows = 1;
+    return tab;
+}
+
 void hSymTabFree(HSymTab* tab) {
     if (!tab) return;
     if (tab->buckets) {
-        for (int b = 0; b < tab->nBuckets; b++) hSymFreeR(tab->buckets[b]);
+        for (int b = 0; b < tab->nBuckets; b++) {
+            for (HSym* sym = tab->buckets[b]; sym;) {
+                HSym* next = sym->next;
+                releaseSym(sym);
+                sym = next;
+            }
+        }
         unAlloc64(kTag, tab->buckets,
                   static_cast<int64_t>(tab->nBuckets) * static_cast<int64_t>(sizeof(HSym*)));
     }
@@ -150,17 +218,18 @@ int hSymNameLoc(const char* name, int nBuckets) {
 
 HSym* hAddSym(const char* name, int type, HSymTab* tab) {
     if (!usable(tab)) return nullptr;
-    auto* sym = static_cast<HSym*>(voidMalloc64(kTag, sizeof(HSym)));
+    // The symbol and its name in one block: half the allocations, and the
+    // name sits beside the record a lookup has just read.
+    name = orEmpty(name);
+    int64_t nameBytes = static_cast<int64_t>(std::strlen(name)) + 1;
+    auto* sym = static_cast<HSym*>(voidMalloc64(kTag, symBlockBytes(nameBytes)));
     if (!sym) {
         std::fprintf(stderr, "AddSym Error Allocating Symbol.\n");
         return nullptr;
     }
     hSymNull(sym);
-    sym->name = hNameAlloc(name);
-    if (!sym->name) {
-        unAlloc64(kTag, sym, sizeof(HSym));
-        return nullptr;
-    }
+    sym->name = inlineName(sym);
+    std::memcpy(sym->name, name, static_cast<size_t>(nameBytes));
     sym->hash = elfHash(sym->name);
     sym->id = ++lastID;
     sym->type = type;
@@ -333,9 +402,7 @@ void hSymDump(const HSymTab* tab) {
 void hSymFree(HSym* sym) {
     if (!sym) return;
     unlink(sym);
-    releaseText(sym);
-    strFree2(kTag, sym->name);
-    unAlloc64(kTag, sym, sizeof(HSym));
+    releaseSym(sym);
 }
 
 void hSymFreeR(HSym* sym) {
@@ -381,6 +448,7 @@ void hTabNull(HSymTab* tab) {
     tab->nSyms = 0;
     tab->maxDepth = 0;
     tab->buckets = nullptr;
+    tab->grows = 0;
 }
 
 int hSymLastID() { return lastID; }

@@ -31,7 +31,7 @@ static_assert(sizeof(HVal) == 8, "the value slot is one 8-byte word");
 struct HSymTab;
 
 struct HSym {
-    char* name;     // owned copy
+    char* name;     // owned copy, kept in the symbol's own block
     int depth;      // symbols inserted in front of this one in its bucket
     int id;         // program-wide, the first symbol ever made has 1
     int type;       // HSYM_DBL ... HSYM_LONG
@@ -50,10 +50,18 @@ struct HSymTab {
     int nSyms;
     int maxDepth;  // deepest chain depth seen since the table was made
     HSym** buckets;
+    int grows;  // rehashed into more buckets as it fills (hSymTabAllocGrowing)
 };
 
 // Tables. A count below 1 gives HSYM_DEFAULT_BUCKETS buckets.
 HSymTab* hSymTabAlloc(int nBuckets);
+// A table whose bucket array doubles whenever it holds more symbols than
+// buckets, so that lookups stay short however many names it
+// gets. Rehashing keeps the newer of two equal names in front and sets every
+// depth to the symbol's place in its new chain; bucket numbers and depths
+// therefore follow the current bucket count. For index tables whose
+// buckets nobody inspects.
+HSymTab* hSymTabAllocGrowing(int nBuckets);
 void hSymTabFree(HSymTab* tab);
 
 // Bucket of a name: the ELF hash modulo the bucket count (0 for no buckets).

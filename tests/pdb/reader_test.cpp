@@ -270,3 +270,43 @@ TEST(Columns, NumbersAgreeWithTheGeneralParsers) {
 }
 
 }  // namespace
+
+namespace {
+
+// Growth as it shows: with the library's verbose mode every growth line of
+// the stated steps; without it, a structure of one-atom segments holds
+// little memory (a 4096-slot atom list per chain and segment would be 64 kB
+// each).
+TEST_F(ReaderTest, VerboseGrowthLinesAndSmallListsOtherwise) {
+    std::string text;
+    for (int i = 1; i <= 6145; i++) text += atomLine({i % 100000, " C  ", "LIG", 'A', 1 + i / 8});
+    setPDBVerbose(1, 0);
+    testing::internal::CaptureStderr();
+    ASSERT_EQ(read(text), 0);
+    std::string err = testing::internal::GetCapturedStderr();
+    setPDBVerbose(0, 0);
+    EXPECT_NE(err.find("REMARK Expanding Atom List: 4096 atoms max.\n"
+                       "REMARK Expanding Atom List: 5120 atoms max.\n"
+                       "REMARK Expanding Atom List: 6144 atoms max.\n"
+                       "REMARK Expanding Atom List: 7168 atoms max.\n"),
+              std::string::npos);
+    EXPECT_NE(err.find("REMARK Expanding Atom Index List: 4096 atoms max.\n"), std::string::npos);
+    EXPECT_EQ(pdb.atomCapacity, 7168);
+    pdbFree(&pdb);
+    pdbNull(&pdb);
+
+    text.clear();
+    for (int i = 1; i <= 2000; i++) {
+        AtomSpec spec{i, " CA ", "ALA", 'A', i};
+        char seg[8];
+        std::snprintf(seg, sizeof seg, "%04X", i);
+        spec.seg = seg;
+        text += atomLine(spec);
+    }
+    int64_t before = bytesInUse();
+    ASSERT_EQ(read(text), 0);
+    EXPECT_EQ(pdb.segCount, 2000);
+    EXPECT_LT(bytesInUse() - before, 8 << 20);
+}
+
+}  // namespace

@@ -145,3 +145,46 @@ TEST_F(SymTab, DumpListsBucketsInOrderEachChainFromItsHead) {
 }
 
 }  // namespace
+
+namespace {
+
+// A growing table: however many names it takes, every one is found, the
+// newer of two equal names wins, each chain's depths count from its head,
+// and freeing symbols afterwards keeps all of that.
+TEST_F(SymTab, GrowingTableKeepsLookupsAndChainsRight) {
+    HSymTab* tab = hSymTabAllocGrowing(0);
+    ASSERT_EQ(tab->grows, 1);
+    const int names = 5000;
+    for (int i = 0; i < names; i++)
+        ASSERT_EQ(hSetSymInt(("atom " + std::to_string(i)).c_str(), i, tab), 0);
+    HSym* older = hAddSym("atom 17", HSYM_INT, tab);  // a second "atom 17", newer
+    older->val.i = -17;
+    EXPECT_EQ(tab->nSyms, names + 1);
+    EXPECT_GE(tab->nBuckets, names);  // 253 doubled (plus one) as it filled
+    EXPECT_EQ(tab->nBuckets % 2, 1);
+    int value = 0, total = 0;
+    for (int i = 0; i < names; i++) {
+        ASSERT_EQ(hGetSymInt(("atom " + std::to_string(i)).c_str(), tab, &value), 1);
+        EXPECT_EQ(value, i == 17 ? -17 : i);
+    }
+    for (int b = 0; b < tab->nBuckets; b++) {
+        int depth = 0;
+        for (const HSym* s = tab->buckets[b]; s; s = s->next, depth++) {
+            EXPECT_EQ(s->depth, depth);
+            EXPECT_EQ(hSymNameLoc(s->name, tab->nBuckets), b);
+            total++;
+        }
+        EXPECT_LE(depth - 1, tab->maxDepth);
+    }
+    EXPECT_EQ(total, names + 1);
+    EXPECT_EQ(hFindSymID(tab, 1000)->val.i, 999);
+    hSymFree(hFindSym("atom 17", tab));  // the newer goes, the older shows again
+    ASSERT_EQ(hGetSymInt("atom 17", tab, &value), 1);
+    EXPECT_EQ(value, 17);
+    hSymFree(hFindSym("atom 4999", tab));
+    EXPECT_EQ(hSymExists("atom 4999", tab), 0);
+    EXPECT_EQ(tab->nSyms, names - 1);
+    hSymTabFree(tab);
+}
+
+}  // namespace
