@@ -3,7 +3,6 @@
 #include <climits>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 
 #include "pdb/modes.h"
 #include "pdb/records.h"
@@ -44,15 +43,14 @@ bool growRecords(Record** array, int count, int* capacity, int first, int step,
         return false;
     }
     if (getPDBVerb()) std::fprintf(stderr, verboseLine, grown);
-    // A new block, the records moved over, the old block released: the
-    // allocation report counts only what the lists hold, not each move.
-    void* block = voidMalloc64("pdb", static_cast<int64_t>(grown) * sizeof(Record));
+    // Resized in place where the heap allows (large blocks are remapped, not
+    // copied); the allocation report counts what the lists hold, not each move.
+    void* block = voidGrow64("pdb", *array, static_cast<int64_t>(grown) * sizeof(Record),
+                             static_cast<int64_t>(*capacity) * sizeof(Record));
     if (!block) {
         std::fprintf(stderr, "%s", failure);
         return false;
     }
-    if (*array) std::memcpy(block, *array, static_cast<size_t>(count) * sizeof(Record));
-    unAlloc64("pdb", *array, static_cast<int64_t>(*capacity) * sizeof(Record));
     *array = static_cast<Record*>(block);
     *capacity = grown;
     return true;

@@ -46,8 +46,8 @@ void* takeBlock(const char* kind, const char* tag, int64_t bytes, bool zeroed) {
     return block;
 }
 
-void* resizeBlock(const char* kind, const char* tag, void* old, int64_t newBytes,
-                  int64_t oldBytes) {
+void* resizeBlock(const char* kind, const char* tag, void* old, int64_t newBytes, int64_t oldBytes,
+                  bool countReuse = true) {
     if (newBytes < 0) {
         reportFailure();
         return nullptr;
@@ -61,7 +61,7 @@ void* resizeBlock(const char* kind, const char* tag, void* old, int64_t newBytes
         reportFailure();
         return nullptr;
     }
-    state.reused += oldBytes;
+    if (countReuse) state.reused += oldBytes;
     state.inUse += newBytes - oldBytes;
     state.blocks++;
     if (state.log) {
@@ -122,6 +122,10 @@ char* charReMalloc64(const char* tag, char* old, int64_t newBytes, int64_t oldBy
 
 void* voidReMalloc64(const char* tag, void* old, int64_t newBytes, int64_t oldBytes) {
     return resizeBlock("VOI_RE_AL", tag, old, newBytes, oldBytes);
+}
+
+void* voidGrow64(const char* tag, void* old, int64_t newBytes, int64_t oldBytes) {
+    return resizeBlock("VOI_RE_AL", tag, old, newBytes, oldBytes, false);
 }
 
 void unAlloc64(const char* tag, void* block, int64_t bytes) {

@@ -26,6 +26,9 @@ int* intReMalloc64(const char* tag, int* old, int64_t newCount, int64_t oldCount
 float* fltReMalloc64(const char* tag, float* old, int64_t newCount, int64_t oldCount);
 char* charReMalloc64(const char* tag, char* old, int64_t newBytes, int64_t oldBytes);
 void* voidReMalloc64(const char* tag, void* old, int64_t newBytes, int64_t oldBytes);
+// The same for a list that grows as it fills: the block may move, and the
+// old size is not counted as reused, since nothing was given back.
+void* voidGrow64(const char* tag, void* old, int64_t newBytes, int64_t oldBytes);
 
 // Releases a block of the given size; a null block changes nothing.
 void unAlloc64(const char* tag, void* block, int64_t bytes);

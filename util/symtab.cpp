@@ -30,6 +30,60 @@ T slotAs(const HVal& val) {
 char* inlineName(HSym* sym) { return reinterpret_cast<char*>(sym + 1); }
 int64_t symBlockBytes(int64_t nameBytes) { return static_cast<int64_t>(sizeof(HSym)) + nameBytes; }
 
+constexpr int64_t kArenaBlockBytes = 1 << 20;
+
+}  // namespace
+
+// One block of a growing table's symbols, the symbols following the header.
+struct HSymArena {
+    HSymArena* next;
+    int64_t size;  // bytes of the whole block
+    int64_t used;  // bytes handed out, header included
+};
+
+namespace {
+
+// The hash a table files its names under: the ELF hash of the documented
+// buckets, or for a growing table, whose buckets nobody inspects, 64-bit
+// FNV-1a, which keeps the numbered keys of a structure index apart (the ELF
+// hash gives a million atom keys fewer than 400,000 distinct values).
+unsigned long nameHash(const char* name, const HSymTab* tab) {
+    if (!tab->grows) return elfHash(name);
+    uint64_t h = 14695981039346656037ULL;
+    for (const char* p = name; *p; p++) h = (h ^ static_cast<unsigned char>(*p)) * 1099511628211ULL;
+    return static_cast<unsigned long>(h);
+}
+
+int64_t roundedUp(int64_t bytes) { return (bytes + 7) & ~static_cast<int64_t>(7); }
+
+// bytes from the table's newest block, or a new block; null when memory runs out.
+void* arenaTake(HSymTab* tab, int64_t bytes) {
+    bytes = roundedUp(bytes);
+    HSymArena* block = tab->arena;
+    int64_t header = roundedUp(sizeof(HSymArena));
+    if (!block || block->used + bytes > block->size) {
+        int64_t size = header + bytes > kArenaBlockBytes ? header + bytes : kArenaBlockBytes;
+        block = static_cast<HSymArena*>(voidMalloc64(kTag, size));
+        if (!block) return nullptr;
+        block->next = tab->arena;
+        block->size = size;
+        block->used = header;
+        tab->arena = block;
+    }
+    void* out = reinterpret_cast<char*>(block) + block->used;
+    block->used += bytes;
+    return out;
+}
+
+void arenaFree(HSymTab* tab) {
+    for (HSymArena* block = tab->arena; block;) {
+        HSymArena* next = block->next;
+        unAlloc64(kTag, block, block->size);
+        block = next;
+    }
+    tab->arena = nullptr;
+}
+
 bool usable(const HSymTab* tab) { return tab && tab->buckets && tab->nBuckets > 0; }
 
 HSym* findInChain(HSym* head, const char* name, unsigned long hash) {
@@ -119,6 +173,7 @@ void releaseText(HSym* sym) {
 // or belong to a table that is going away.
 void releaseSym(HSym* sym) {
     releaseText(sym);
+    if (sym->inArena) return;
     if (sym->name == inlineName(sym)) {
         unAlloc64(kTag, sym, symBlockBytes(static_cast<int64_t>(std::strlen(sym->name)) + 1));
         return;
@@ -208,6 +263,7 @@ void hSymTabFree(HSymTab* tab) {
         unAlloc64(kTag, tab->buckets,
                   static_cast<int64_t>(tab->nBuckets) * static_cast<int64_t>(sizeof(HSym*)));
     }
+    arenaFree(tab);
     unAlloc64(kTag, tab, sizeof(HSymTab));
 }
 
@@ -222,15 +278,18 @@ HSym* hAddSym(const char* name, int type, HSymTab* tab) {
     // name sits beside the record a lookup has just read.
     name = orEmpty(name);
     int64_t nameBytes = static_cast<int64_t>(std::strlen(name)) + 1;
-    auto* sym = static_cast<HSym*>(voidMalloc64(kTag, symBlockBytes(nameBytes)));
+    void* block = tab->grows ? arenaTake(tab, symBlockBytes(nameBytes))
+                             : voidMalloc64(kTag, symBlockBytes(nameBytes));
+    auto* sym = static_cast<HSym*>(block);
     if (!sym) {
         std::fprintf(stderr, "AddSym Error Allocating Symbol.\n");
         return nullptr;
     }
     hSymNull(sym);
+    sym->inArena = tab->grows;
     sym->name = inlineName(sym);
     std::memcpy(sym->name, name, static_cast<size_t>(nameBytes));
-    sym->hash = elfHash(sym->name);
+    sym->hash = nameHash(sym->name, tab);
     sym->id = ++lastID;
     sym->type = type;
     sym->tab = tab;
@@ -250,7 +309,7 @@ HSym* hFindOrAddSym(const char* name, int type, HSymTab* tab) {
 HSym* hFindSym(const char* name, const HSymTab* tab) {
     if (!usable(tab)) return nullptr;
     name = orEmpty(name);
-    unsigned long hash = elfHash(name);
+    unsigned long hash = nameHash(name, tab);
     return findInChain(tab->buckets[bucketOf(hash, tab->nBuckets)], name, hash);
 }
 
@@ -436,6 +495,7 @@ void hSymNull(HSym* sym) {
     sym->depth = 0;
     sym->id = 0;
     sym->type = 0;
+    sym->inArena = 0;
     sym->textSize = 0;
     hValNull(&sym->val);
     sym->next = sym->prev = nullptr;
@@ -449,6 +509,7 @@ void hTabNull(HSymTab* tab) {
     tab->maxDepth = 0;
     tab->buckets = nullptr;
     tab->grows = 0;
+    tab->arena = nullptr;
 }
 
 int hSymLastID() { return lastID; }

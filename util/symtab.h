@@ -35,6 +35,7 @@ struct HSym {
     int depth;      // symbols inserted in front of this one in its bucket
     int id;         // program-wide, the first symbol ever made has 1
     int type;       // HSYM_DBL ... HSYM_LONG
+    int inArena;    // made in its growing table's arena: released with the table
     long textSize;  // bytes of an owned text value (length + 1), else 0
     HVal val;
     HSym* next;
@@ -51,6 +52,9 @@ struct HSymTab {
     int maxDepth;  // deepest chain depth seen since the table was made
     HSym** buckets;
     int grows;  // rehashed into more buckets as it fills (hSymTabAllocGrowing)
+    // A growing table makes its symbols in large blocks of its own, so that
+    // a million names cost a few allocations; they are released with it.
+    struct HSymArena* arena;
 };
 
 // Tables. A count below 1 gives HSYM_DEFAULT_BUCKETS buckets.
@@ -59,8 +63,10 @@ HSymTab* hSymTabAlloc(int nBuckets);
 // buckets, so that lookups stay short however many names it
 // gets. Rehashing keeps the newer of two equal names in front and sets every
 // depth to the symbol's place in its new chain; bucket numbers and depths
-// therefore follow the current bucket count. For index tables whose
-// buckets nobody inspects.
+// therefore follow the current bucket count, and names are hashed with a
+// 64-bit hash rather than the ELF hash of hSymNameLoc. Its symbols live in blocks of
+// the table's own: freeing one unlinks it, its memory goes with the table.
+// For index tables whose buckets nobody inspects.
 HSymTab* hSymTabAllocGrowing(int nBuckets);
 void hSymTabFree(HSymTab* tab);
 
