@@ -90,8 +90,17 @@ void setResidueRange(PDBData* pdb) {
     }
 }
 
+// While an atom is inserted, the bucket of the atom this many ahead is
+// fetched: in a large structure nearly every bucket is a cache miss.
+constexpr int kPrefetchAhead = 16;
+
 int indexAtoms(PDBData* pdb) {
+    char key[kKeySize];
     for (int i = 0; i < pdb->atomCount; i++) {
+        if (i + kPrefetchAhead < pdb->atomCount) {
+            atomKey(key, pdb->atoms + i + kPrefetchAhead);
+            hSymPrefetchBucket(hSymHash(key, pdb->atomTable), pdb->atomTable);
+        }
         if (insertAtom(pdb, i) < 0) return 1;
     }
     return 0;

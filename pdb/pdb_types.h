@@ -36,8 +36,9 @@ struct PDBAtom {
     PDBResidue* residue;
     PDBChain* chainRec;
     PDBSegment* segRec;
-    // Free label fields for callers; the reader never fills them.
-    char label[3][kNameSize];
+    // Free label fields for callers; the reader never fills them. Short, as
+    // every atom of a large structure carries them.
+    char label[3][4];
     float weight;
     float mass;
     float property[3];

@@ -313,6 +313,14 @@ HSym* hFindSym(const char* name, const HSymTab* tab) {
     return findInChain(tab->buckets[bucketOf(hash, tab->nBuckets)], name, hash);
 }
 
+unsigned long hSymHash(const char* name, const HSymTab* tab) {
+    return usable(tab) ? nameHash(orEmpty(name), tab) : 0;
+}
+
+void hSymPrefetchBucket(unsigned long hash, const HSymTab* tab) {
+    if (usable(tab)) __builtin_prefetch(&tab->buckets[bucketOf(hash, tab->nBuckets)]);
+}
+
 int hSymExists(const char* name, const HSymTab* tab) { return hFindSym(name, tab) ? 1 : 0; }
 
 int hSetSymDbl(const char* name, double value, HSymTab* tab) {

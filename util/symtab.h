@@ -82,6 +82,11 @@ HSym* hFindOrAddSym(const char* name, int type, HSymTab* tab);
 // Lookups: the newest symbol of that name, or null. They never print.
 HSym* hFindSym(const char* name, const HSymTab* tab);
 int hSymExists(const char* name, const HSymTab* tab);
+// For callers that know their next names: the hash a table files a name
+// under, and a request to fetch its bucket ahead of the lookup (a large
+// table's buckets are rarely in the cache).
+unsigned long hSymHash(const char* name, const HSymTab* tab);
+void hSymPrefetchBucket(unsigned long hash, const HSymTab* tab);
 
 // Setters: 0 when stored, 1 when the symbol could not be made. A text is
 // copied; an earlier owned text of the symbol is released.
