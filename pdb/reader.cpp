@@ -26,6 +26,7 @@ struct ReadCounts {
     int model = 0;
     int lineCount = 0;
     int stored = 0;
+    bool hetatmSeen = false;
 };
 
 // The record name: the line's first white-space-delimited word, looked at in
@@ -105,32 +106,35 @@ bool readRest(PDBAtom* atom, const Line& line, const ReadCounts& counts) {
     return true;
 }
 
-// Handles one atom line; false when the atom list cannot grow or the line
-// holds a coordinate that cannot be right.
-bool readAtomLine(PDBData* pdb, PDBAtom* work, const Line& line, bool hetatm,
-                  const PDBSelect* selection, ReadCounts* counts) {
+// Handles one atom line, read straight into the next slot of the atom list
+// (given back when the selection rejects the atom); false when the list
+// cannot grow or the line holds a coordinate that cannot be right.
+bool readAtomLine(PDBData* pdb, const Line& line, bool hetatm, const PDBSelect* selection,
+                  ReadCounts* counts) {
     if (pdb->firstAtom < 0) pdb->firstAtom = counts->stored;
     if (counts->stored > pdb->lastAtom) pdb->lastAtom = counts->stored;
-    // The working record is reused and this mark is never cleared, so every
-    // atom after the first HETATM line is marked too.
-    if (hetatm) work->isHetAtm = 1;
+    // This mark is never cleared once set, so every atom after the first
+    // HETATM line is marked too.
+    if (hetatm) counts->hetatmSeen = true;
     if (counts->blockAtoms == 0) counts->model++;
     counts->blockAtoms++;
     counts->lineCount++;
-    readIdentity(work, line);
-    if (!pdbSelectTest(counts->stored, work, selection)) return true;
-    if (!readRest(work, line, *counts)) return false;
     PDBAtom* atom = getNextAtom(pdb);
     if (!atom) return false;
-    setAtomInfo(pdb, atom, work, counts->stored);
+    atom->isHetAtm = counts->hetatmSeen ? 1 : 0;
+    readIdentity(atom, line);
+    if (!pdbSelectTest(counts->stored, atom, selection)) {
+        pdb->atomCount--;
+        return true;
+    }
+    if (!readRest(atom, line, *counts)) return false;
+    keepResidueRange(pdb, atom, counts->stored);
     counts->stored++;
     return true;
 }
 
 // Reads every line of the stream; false when memory runs out.
 bool readLines(FILE* stream, PDBData* pdb, const PDBSelect* selection, ReadCounts* counts) {
-    PDBAtom work;
-    atomNull(&work);
     char fixed[1024], chunk[1024];
     char* line;
     int capacity = sizeof fixed;
@@ -148,7 +152,7 @@ bool readLines(FILE* stream, PDBData* pdb, const PDBSelect* selection, ReadCount
         }
         bool hetatm;
         if (!isAtomRecord(word, selection, &hetatm)) continue;
-        ok = readAtomLine(pdb, &work, Line{line, length}, hetatm, selection, counts);
+        ok = readAtomLine(pdb, Line{line, length}, hetatm, selection, counts);
     }
     strAllocFree(&line, fixed, sizeof fixed, &capacity);
     return ok;

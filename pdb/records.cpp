@@ -42,12 +42,16 @@ void segNull(PDBSegment* seg) { groupNull(seg); }
 
 void setAtomInfo(PDBData* pdb, PDBAtom* destination, const PDBAtom* source, int index) {
     *destination = *source;
+    keepResidueRange(pdb, destination, index);
+}
+
+void keepResidueRange(PDBData* pdb, const PDBAtom* atom, int index) {
     if (index == 0) {
-        pdb->resMin = pdb->resMax = source->resID;
+        pdb->resMin = pdb->resMax = atom->resID;
         return;
     }
-    if (source->resID < pdb->resMin) pdb->resMin = source->resID;
-    if (source->resID > pdb->resMax) pdb->resMax = source->resID;
+    if (atom->resID < pdb->resMin) pdb->resMin = atom->resID;
+    if (atom->resID > pdb->resMax) pdb->resMax = atom->resID;
 }
 
 int setResInfo(PDBResidue* residue, PDBAtom* atom) {

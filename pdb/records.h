@@ -11,6 +11,9 @@ void segNull(PDBSegment* seg);
 // Copies the working record into the structure's atom at index and widens
 // the structure's residue range (the first atom sets it).
 void setAtomInfo(PDBData* pdb, PDBAtom* destination, const PDBAtom* source, int index);
+// Widens the structure's residue range by atom number index (the first one
+// sets it).
+void keepResidueRange(PDBData* pdb, const PDBAtom* atom, int index);
 // Sets the residue's number and names from the atom and appends the atom to
 // the residue's atom list. Returns 0, or 1 when the list cannot grow.
 int setResInfo(PDBResidue* residue, PDBAtom* atom);
