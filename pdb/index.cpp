@@ -91,13 +91,16 @@ void setResidueRange(PDBData* pdb) {
 }
 
 // While an atom is inserted, the bucket of the atom this many ahead is
-// fetched: in a large structure nearly every bucket is a cache miss.
+// fetched: in a large structure nearly every bucket is a cache miss (a small
+// one's table stays in the cache, and the extra key would only cost time).
 constexpr int kPrefetchAhead = 16;
+constexpr int kPrefetchFromAtoms = 1 << 15;
 
 int indexAtoms(PDBData* pdb) {
     char key[kKeySize];
+    bool prefetch = pdb->atomCount >= kPrefetchFromAtoms;
     for (int i = 0; i < pdb->atomCount; i++) {
-        if (i + kPrefetchAhead < pdb->atomCount) {
+        if (prefetch && i + kPrefetchAhead < pdb->atomCount) {
             atomKey(key, pdb->atoms + i + kPrefetchAhead);
             hSymPrefetchBucket(hSymHash(key, pdb->atomTable), pdb->atomTable);
         }

@@ -64,21 +64,26 @@ bool appendBytes(char** str, int64_t* length, const char* text, int add, char* b
     return true;
 }
 
-// Reads up to size - 1 bytes into chunk, stopping after a newline. Gives the
-// number of bytes read; *newline tells whether the last one was a newline.
+// Reads up to size - 1 bytes into chunk, stopping after a newline. Gives
+// the number of bytes read, or size - 1 when a NUL byte hides where a read
+// without a newline stopped (the text ends at that NUL either way); *newline
+// tells whether the read ended with a newline. The chunk is cleared first,
+// so that a newline found behind a NUL byte is one this read consumed.
 int readChunk(FILE* stream, char* chunk, int size, bool* newline) {
-    int n = 0;
     *newline = false;
-    while (n < size - 1) {
-        int c = getc_unlocked(stream);
-        if (c == EOF) break;
-        chunk[n++] = static_cast<char>(c);
-        if (c == '\n') {
-            *newline = true;
-            break;
-        }
+    std::memset(chunk, 0, static_cast<size_t>(size));
+    if (!std::fgets(chunk, size, stream)) return 0;
+    size_t text = std::strlen(chunk);
+    if (text > 0 && chunk[text - 1] == '\n') {
+        *newline = true;
+        return static_cast<int>(text);
     }
-    return n;
+    const void* end = std::memchr(chunk + text, '\n', static_cast<size_t>(size - 1) - text);
+    if (end) {
+        *newline = true;
+        return static_cast<int>(static_cast<const char*>(end) - chunk) + 1;
+    }
+    return size - 1;
 }
 
 struct ScratchText {

@@ -30,7 +30,10 @@ T slotAs(const HVal& val) {
 char* inlineName(HSym* sym) { return reinterpret_cast<char*>(sym + 1); }
 int64_t symBlockBytes(int64_t nameBytes) { return static_cast<int64_t>(sizeof(HSym)) + nameBytes; }
 
-constexpr int64_t kArenaBlockBytes = 1 << 20;
+// Arena blocks start small (a residue or chain table holds a few names) and
+// double up to a limit, so a table of a million names needs some hundreds.
+constexpr int64_t kArenaFirstBytes = 4 << 10;
+constexpr int64_t kArenaMaxBytes = 1 << 20;
 
 }  // namespace
 
@@ -62,7 +65,9 @@ void* arenaTake(HSymTab* tab, int64_t bytes) {
     HSymArena* block = tab->arena;
     int64_t header = roundedUp(sizeof(HSymArena));
     if (!block || block->used + bytes > block->size) {
-        int64_t size = header + bytes > kArenaBlockBytes ? header + bytes : kArenaBlockBytes;
+        int64_t size = block ? 2 * block->size : kArenaFirstBytes;
+        if (size > kArenaMaxBytes) size = kArenaMaxBytes;
+        if (size < header + bytes) size = header + bytes;
         block = static_cast<HSymArena*>(voidMalloc64(kTag, size));
         if (!block) return nullptr;
         block->next = tab->arena;
