@@ -46,7 +46,12 @@ PDBAtom* atomInResidue(const PDBResidue* residue, const char* atomName) {
     return nullptr;
 }
 
-bool shortText(const char* text) { return std::strlen(text) < 16; }
+// Equality of two short texts (names of one to four characters), without a
+// library call.
+inline bool sameText(const char* a, const char* b) {
+    while (*a && *a == *b) a++, b++;
+    return *a == *b;
+}
 
 // The atom whose index key is the lookup key itself, found without the
 // index: the residue at its position in a contiguously numbered structure
@@ -57,22 +62,21 @@ bool shortText(const char* text) { return std::strlen(text) < 16; }
 // at every offset.
 PDBAtom* directAtom(const PDBData* pdb, int resID, const char* atomName, const char* chain,
                     const char* seg) {
+    // A name, chain or segment longer than a record's field matches no
+    // record here and takes the index path.
     if (getPDBChainMode() || getPDBSegMode() || getPDBAtomMode() || getPDBUniqMode())
         return nullptr;
-    if (!shortText(atomName) || !shortText(chain) || !shortText(seg)) return nullptr;
     if (pdb->resCount < 1 || resID < pdb->resMin || resID > pdb->resMax) return nullptr;
     int64_t position = static_cast<int64_t>(resID) - pdb->resMin;
     if (position >= pdb->resCount) return nullptr;
     const PDBResidue* residue = pdb->residues + position;
-    if (residue->resID != resID || std::strcmp(residue->chain, chain) != 0 ||
-        std::strcmp(residue->seg, seg) != 0)
+    if (residue->resID != resID || !sameText(residue->chain, chain) || !sameText(residue->seg, seg))
         return nullptr;
+    // Every atom of a residue record has its chain and segment, so only the
+    // name and the alternate-location and insertion fields are compared.
     for (int i = 0; i < residue->atomCount; i++) {
         PDBAtom* a = residue->atoms[i];
-        if (a->atomName[0] == atomName[0] && std::strcmp(a->atomName, atomName) == 0 &&
-            !a->locID[0] && !a->icode[0] && std::strcmp(a->chain, chain) == 0 &&
-            std::strcmp(a->seg, seg) == 0)
-            return a;
+        if (sameText(a->atomName, atomName) && !a->locID[0] && !a->icode[0]) return a;
     }
     return nullptr;
 }
