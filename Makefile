@@ -6,7 +6,7 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 RELEASE_DIR := build/release
 SANITIZE_DIR := build/sanitize
 
-.PHONY: all build test test-release test-sanitize demo bench fuzz fuzz-smoke clean format
+.PHONY: all build test test-release test-sanitize demo bench fuzz fuzz-smoke clean format install uninstall
 
 all: build
 
@@ -15,6 +15,19 @@ build:
 	cmake --build $(RELEASE_DIR) -j $(JOBS)
 
 test: test-release test-sanitize
+
+# Installs DC, dcplot, the shift surfaces, the manual page and the README
+# under PREFIX (DESTDIR is honoured for packaging). The list of installed
+# files is kept in build/release/install_manifest.txt for uninstall.
+PREFIX ?= /usr/local
+install: build
+	cmake -S . -B $(RELEASE_DIR) -DCMAKE_INSTALL_PREFIX=$(PREFIX)
+	cmake --build $(RELEASE_DIR) -j $(JOBS) --target install
+
+uninstall:
+	@test -f $(RELEASE_DIR)/install_manifest.txt || { echo "make uninstall: nothing installed from this tree"; exit 1; }
+	xargs rm -f < $(RELEASE_DIR)/install_manifest.txt
+	@echo "removed the files listed in $(RELEASE_DIR)/install_manifest.txt"
 
 test-release: build
 	cd $(RELEASE_DIR) && ctest --output-on-failure -j $(JOBS)

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "app/surface_location.h"
 #include "util/alloc.h"
 
 void runSettingsNull(RunSettings* s) {
@@ -10,8 +11,9 @@ void runSettingsNull(RunSettings* s) {
     std::strcpy(s->listName, "pdb.list");
     std::strcpy(s->rcSurfName, "rc.tab");
     std::strcpy(s->homoSurfName, "homo.tab");
-    // The surfaces built with DC, unless SURF_DIR or -sPath name others.
-    std::snprintf(s->surfDir, sizeof s->surfDir, "%s", DC_SURFACE_DIR);
+    // The surfaces installed or built with DC, unless SURF_DIR or -sPath
+    // name others.
+    defaultSurfaceDir(s->surfDir, sizeof s->surfDir);
     s->res1 = kUnset;
     s->resN = kUnset;
     s->segID = 1;
