@@ -1,10 +1,12 @@
 #include "app/search.h"
 
 #include <strings.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <string>
 
+#include "app/search_progress.h"
 #include "app/search_report.h"
 #include "cs/cs_tab.h"
 #include "cs/predict_cs.h"
@@ -134,6 +136,8 @@ int searchFile(SearchRun& run, const ListEntry& entry) {
     std::string path = structurePath(run.s->pdbDir, entry.name);
     PDBData pdb;
     pdbNull(&pdb);
+    // The reader's message for a file it cannot open gets a line of its own.
+    if (access(path.c_str(), R_OK) != 0) progressClear();
     int status = readPDB(path.c_str(), &pdb, nullptr);
     if (status != 0) {
         std::fprintf(stderr, "DC Error Reading PDB File %s\n", path.c_str());
@@ -168,8 +172,25 @@ int searchFile(SearchRun& run, const ListEntry& entry) {
 void searchList(SearchRun& run, char** lines, int lineCount, int* status) {
     for (int i = 0; i < lineCount; i++) {
         ListEntry entry;
-        if (parseListLine(lines[i], &entry)) *status = searchFile(run, entry);
+        if (!parseListLine(lines[i], &entry)) continue;
+        *status = searchFile(run, entry);
+        progressStructureDone(run.fitNumber);
     }
+}
+
+int countEntries(char** lines, int lineCount) {
+    int count = 0;
+    for (int i = 0; i < lineCount; i++) {
+        ListEntry entry;
+        if (parseListLine(lines[i], &entry)) count++;
+    }
+    return count;
+}
+
+// The progress line, unless verbose output or rows share the terminal.
+bool showProgress(const SearchOutput& output) {
+    if (verbose() > 0) return false;
+    return !(output.stream == stdout && isatty(STDOUT_FILENO));
 }
 
 }  // namespace
@@ -201,7 +222,9 @@ int searchDC(DTab* dTab, CSTab* cs, const RunSettings* s) {
     run.givenTensor.euler = 0;
     resetSearchBest();
     status = 0;
+    progressBegin(showProgress(run.output) ? countEntries(lines, lineCount) : 0);
     searchList(run, lines, lineCount, &status);
+    progressEnd();
     if (run.output.owned) std::fclose(run.output.stream);
     freeText(lines);
     pdbFree(&reference);

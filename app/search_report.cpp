@@ -1,5 +1,6 @@
 #include "app/search_report.h"
 
+#include "app/search_progress.h"
 #include "cs/cs_tab.h"
 #include "cs/stat_cs.h"
 #include "cs/structure_scores.h"
@@ -106,6 +107,9 @@ int reportS(FILE* out, PDBData* reference, PDBData* pdb, DTab* dTab, const CSTab
     }
     if (row.fileIndex != best.fileIndex) startFile(row);
     keepIfBest(t, row, s);
-    if (row.offset == row.lastOffset && out != stdout) writeSummary(row);
+    if (row.offset == row.lastOffset && out != stdout) {
+        progressClear();
+        writeSummary(row);
+    }
     return 0;
 }
