@@ -37,15 +37,30 @@ test-sanitize:
 	cmake --build $(SANITIZE_DIR) -j $(JOBS)
 	cd $(SANITIZE_DIR) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
 
-# Builds DC, writes a demonstration peptide and couplings made from a known
-# tensor, fits them and shows the fitted tensor beside the one chosen.
+# Builds DC and runs its jobs on real data (examples/ubq: ubiquitin's
+# structure, N-H couplings and backbone shifts), each step announced with
+# what it shows, and draws the results as SVG in build/demo.
+DEMO := build/demo
+UBQ := examples/ubq
+DC := $(RELEASE_DIR)/DC
 demo: build
-	mkdir -p build/demo
-	$(RELEASE_DIR)/make_demo build/demo
-	$(RELEASE_DIR)/DC -pdb build/demo/peptide.pdb -inD build/demo/couplings.tab \
-		-outD build/demo/fitted.tab -verb
-	@echo "Fitted tensor (from build/demo/fitted.tab):"
-	@grep -E '^DATA (N |RMS|Q_FACTOR|EULER_ANGLES|Da |Dr |Rhombicity)' build/demo/fitted.tab
+	@mkdir -p $(DEMO)
+	@echo "== 1. SVD fit: the alignment tensor of ubiquitin's 63 N-H couplings, and how well the crystal structure agrees"
+	$(DC) -pdb $(UBQ)/1ubq_h.pdb -inD $(UBQ)/ubq_nh.tab -outD $(DEMO)/couplings_svd.tab -verb
+	@grep -E '^DATA (N |RMS|Q_FACTOR|Da |Rhombicity)' $(DEMO)/couplings_svd.tab
+	@echo "== 2. Nonlinear fit from the SVD start (-fit -auto): Da, Dr and three rotations refined to the same minimum"
+	$(DC) -pdb $(UBQ)/1ubq_h.pdb -inD $(UBQ)/ubq_nh.tab -fit -auto -outD $(DEMO)/couplings_fit.tab -verb
+	@grep -E '^DATA (N |RMS|Q_FACTOR|ROT_XYZ|Da |Rhombicity)' $(DEMO)/couplings_fit.tab
+	@echo "== 3. Shift prediction: every backbone shift from the torsion angles, against the measured ones"
+	$(DC) -pdb $(UBQ)/1ubq_h.pdb -inCS $(UBQ)/ubq_cs.tab -outCS $(DEMO)/shifts.tab -verb > /dev/null
+	@echo "== 4. Homology search: residues 20-39 of the couplings slid along ubiquitin and a fusion peptide; the best offset lies on residues 20-39"
+	$(DC) -inD $(UBQ)/ubq_nh.tab -r1 20 -rN 39 -list $(UBQ)/list -path $(UBQ) -ref $(UBQ)/1ubq_h.pdb -bb \
+		-outS $(DEMO)/search.txt
+	@echo "== Plots: observed against calculated couplings and shifts, and D_RMS along each searched structure"
+	$(RELEASE_DIR)/dcplot couplings $(DEMO)/couplings_svd.tab $(DEMO)/couplings.svg
+	$(RELEASE_DIR)/dcplot shifts $(DEMO)/shifts.tab $(DEMO)/shifts.svg
+	$(RELEASE_DIR)/dcplot search $(DEMO)/search.txt $(DEMO)/search.svg
+	@echo "Written: $(DEMO)/couplings.svg $(DEMO)/shifts.svg $(DEMO)/search.svg (open them in a browser)"
 
 bench:
 	cmake -S . -B build/bench -DCMAKE_BUILD_TYPE=Release -DDC_BUILD_BENCH=ON

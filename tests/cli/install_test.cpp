@@ -12,7 +12,7 @@
 
 namespace {
 
-const std::string kUbq = DC_TEST_DATA "/ubq";
+const std::string kUbq = DC_EXAMPLES "/ubq";
 
 // Standard error (with standard output) of a shell command, and its status.
 std::string run(const std::string& command, int* status) {

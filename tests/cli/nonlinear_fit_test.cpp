@@ -14,8 +14,8 @@
 
 namespace {
 
-const std::string kPdb = DC_TEST_DATA "/ubq/1ubq_h.pdb";
-const std::string kTable = DC_TEST_DATA "/ubq/ubq_nh.tab";
+const std::string kPdb = DC_EXAMPLES "/ubq/1ubq_h.pdb";
+const std::string kTable = DC_EXAMPLES "/ubq/ubq_nh.tab";
 const std::regex kAllocLine("REMARK Memory Allocation Status\\. Reused: \\d+ In Use: 0\n$");
 
 struct Fitted {

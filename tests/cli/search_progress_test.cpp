@@ -43,9 +43,9 @@ std::string runOnTerminal(const std::string& dir, const std::vector<std::string>
 
 TEST(SearchProgress, UpdatingLineOnATerminalOnly) {
     std::string dir = scratchDir("progress");
-    writeFile(dir + "/ubq.pdb", readFile(DC_TEST_DATA "/ubq/1ubq_h.pdb"));
+    writeFile(dir + "/ubq.pdb", readFile(DC_EXAMPLES "/ubq/1ubq_h.pdb"));
     writeFile(dir + "/list", "ubq.pdb\nmissing.pdb\nubq.pdb\n");
-    std::vector<std::string> args = {"-inD",  DC_TEST_DATA "/ubq/ubq_nh.tab",
+    std::vector<std::string> args = {"-inD",  DC_EXAMPLES "/ubq/ubq_nh.tab",
                                      "-r1",   "20",
                                      "-rN",   "39",
                                      "-list", "list",

@@ -16,8 +16,8 @@ namespace {
 
 const std::string kPeptide = DC_SHARED_DATA "/hafp_a.pdb";          // residues 1-24, H on 2-24
 const std::string kShort = DC_TEST_DATA "/simulation/peptide.pdb";  // 6 residues
-const std::string kUbq = DC_TEST_DATA "/ubq/1ubq_h.pdb";
-const std::string kUbqTable = DC_TEST_DATA "/ubq/ubq_nh.tab";
+const std::string kUbq = DC_EXAMPLES "/ubq/1ubq_h.pdb";
+const std::string kUbqTable = DC_EXAMPLES "/ubq/ubq_nh.tab";
 const std::regex kAllocLine("REMARK Memory Allocation Status\\. Reused: \\d+ In Use: 0\n$");
 const std::vector<std::string> kZeroTensor = {"-fixed", "-da",    "0", "-dr",  "0", "-psi",
                                               "0",      "-theta", "0", "-phi", "0"};

@@ -17,7 +17,7 @@
 
 namespace {
 
-const std::string kUbqDir = DC_TEST_DATA "/ubq";
+const std::string kUbqDir = DC_EXAMPLES "/ubq";
 const std::string kSurfaces = DC_SURFACE_DIR;
 const std::regex kAllocLine("REMARK Memory Allocation Status\\. Reused: \\d+ In Use: 0\n$");
 

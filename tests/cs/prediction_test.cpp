@@ -173,7 +173,7 @@ TEST(StructureScores, UbiquitinAgainstItselfScoresZeroHomology) {
     ASSERT_EQ(surfRead(DC_SURFACE_DIR, "rc.tab", "homo.tab", 0), 0);
     PDBData ubq;
     pdbNull(&ubq);
-    ASSERT_EQ(readPDB(DC_TEST_DATA "/ubq/1ubq_h.pdb", &ubq, nullptr), 0);
+    ASSERT_EQ(readPDB(DC_EXAMPLES "/ubq/1ubq_h.pdb", &ubq, nullptr), 0);
     float rms = -1, lastValue = -1;
     int count = 0;
     getStatHomo(&ubq, &ubq, 1, 76, "A", "", 1, 0, "A", "", 1, &rms, &lastValue, &count);

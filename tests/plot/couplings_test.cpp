@@ -55,9 +55,9 @@ TEST(CouplingPlot, EveryRowIsOnePointColouredByTypeWithTitleAndIdentity) {
 TEST(CouplingPlot, RowsWithoutACalculatedValueAreLeftOutAndCounted) {
     ScratchDir dir("plot_missing");
     writeFile(dir.path + "/in.tab",
-              readFile(DC_TEST_DATA "/ubq/ubq_nh.tab") + "99 GLN N 99 GLN H 13.2 1.0 1.0\n");
+              readFile(DC_EXAMPLES "/ubq/ubq_nh.tab") + "99 GLN N 99 GLN H 13.2 1.0 1.0\n");
     TextTable t;
-    XmlNode svg = plotOf(dir, DC_TEST_DATA "/ubq/1ubq_h.pdb", dir.path + "/in.tab", &t);
+    XmlNode svg = plotOf(dir, DC_EXAMPLES "/ubq/1ubq_h.pdb", dir.path + "/in.tab", &t);
     ASSERT_EQ(t.rows.size(), 64u);
     EXPECT_EQ(t.rows.back().at("D"), "9999.0000");
     EXPECT_EQ(expectRowsArePoints(t, svg, "D_OBS", "D").size(), 63u);

@@ -23,7 +23,7 @@ void ubqTables(const std::string& dir, const char* verb) {
     for (auto& args : {d, cs}) {
         std::vector<std::string> all = args;
         if (verb[0]) all.push_back(verb);
-        ASSERT_EQ(runDC(all, {}, DC_TEST_DATA "/ubq").status, 0);
+        ASSERT_EQ(runDC(all, {}, DC_EXAMPLES "/ubq").status, 0);
     }
 }
 

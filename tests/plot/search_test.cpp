@@ -44,8 +44,9 @@ XmlNode expectSearchPlot(const std::string& report, const std::string& svgPath) 
 TEST(SearchPlot, UbiquitinSegmentAgainstThreeStructures) {
     ScratchDir dir("plot_search");
     for (std::string f :
-         {"/ubq/1ubq_h.pdb", "/ubq/ubq_nh.tab", "/hafp/hafp_a.pdb", "/hafp/hafp_b.pdb"}) {
-        writeFile(dir.path + f.substr(f.rfind('/')), readFile(DC_TEST_DATA + f));
+         {DC_EXAMPLES "/ubq/1ubq_h.pdb", DC_EXAMPLES "/ubq/ubq_nh.tab", DC_TEST_DATA "/hafp/hafp_a.pdb",
+          DC_TEST_DATA "/hafp/hafp_b.pdb"}) {
+        writeFile(dir.path + f.substr(f.rfind('/')), readFile(f));
     }
     writeFile(dir.path + "/list", "hafp_a.pdb\n1ubq_h.pdb\nhafp_b.pdb\n");
     DCResult r = runDC({"-inD", "ubq_nh.tab", "-r1", "20", "-rN", "39", "-list", "list", "-path",

@@ -16,7 +16,7 @@ namespace {
 std::string shiftTable(const ScratchDir& dir, int row) {
     std::string tab = dir.path + "/s.tab";
     DCResult r = runDC({"-pdb", "1ubq_h.pdb", "-inCS", "ubq_cs.tab", "-outCS", tab, "-verb"}, {},
-                       DC_TEST_DATA "/ubq");
+                       DC_EXAMPLES "/ubq");
     EXPECT_EQ(r.status, 0) << r.err;
     if (row == 0) return tab;
     std::string text = readFile(tab);
