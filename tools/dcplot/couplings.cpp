@@ -6,6 +6,7 @@
 #include <cstring>
 #include <new>
 
+#include "tools/dcplot/memory_guard.h"
 #include "tools/dcplot/panel.h"
 #include "tools/dcplot/plots.h"
 #include "tools/dcplot/svg.h"
@@ -194,10 +195,5 @@ int couplingPlot(const char* inPath, const char* outPath) {
 }  // namespace
 
 int plotCouplings(const char* inPath, const char* outPath) {
-    try {
-        return couplingPlot(inPath, outPath);
-    } catch (const std::bad_alloc&) {
-        std::fprintf(stderr, "dcplot Error: out of memory.\n");
-        return 1;
-    }
+    return runGuarded(couplingPlot, inPath, outPath);
 }

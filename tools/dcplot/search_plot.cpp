@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <new>
 
+#include "tools/dcplot/memory_guard.h"
 #include "tools/dcplot/panel.h"
 #include "tools/dcplot/plots.h"
 #include "tools/dcplot/search_report.h"
@@ -146,10 +147,5 @@ int searchPlot(const char* inPath, const char* outPath) {
 }  // namespace
 
 int plotSearch(const char* inPath, const char* outPath) {
-    try {
-        return searchPlot(inPath, outPath);
-    } catch (const std::bad_alloc&) {
-        std::fprintf(stderr, "dcplot Error: out of memory.\n");
-        return 1;
-    }
+    return runGuarded(searchPlot, inPath, outPath);
 }

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <new>
 
+#include "tools/dcplot/memory_guard.h"
 #include "tools/dcplot/panel.h"
 #include "tools/dcplot/plots.h"
 #include "tools/dcplot/svg.h"
@@ -214,10 +215,5 @@ int shiftPlot(const char* inPath, const char* outPath) {
 }  // namespace
 
 int plotShifts(const char* inPath, const char* outPath) {
-    try {
-        return shiftPlot(inPath, outPath);
-    } catch (const std::bad_alloc&) {
-        std::fprintf(stderr, "dcplot Error: out of memory.\n");
-        return 1;
-    }
+    return runGuarded(shiftPlot, inPath, outPath);
 }
