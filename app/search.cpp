@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <string>
 
+#include "app/search_list.h"
 #include "app/search_progress.h"
 #include "app/search_report.h"
 #include "cs/cs_tab.h"
@@ -63,8 +64,8 @@ struct ListEntry {
 };
 
 bool parseListLine(const char* line, ListEntry* entry) {
+    if (!isListEntry(line)) return false;
     entry->tokens = cntToken(line);
-    if (entry->tokens == 0 || line[0] == '#') return false;
     entry->name = getToken(1, line);
     if (entry->tokens >= 3) {
         entry->firstResidue = clampResid(getTokenN(2, line));

@@ -1,0 +1,217 @@
+#include <strings.h>
+
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "tools/search_shards/shards.h"
+
+namespace {
+
+const char kAllocationLine[] = "REMARK Memory Allocation Status.";
+const char kReadError[] = "DC Error Reading PDB File ";
+
+bool readWhole(const std::string& path, std::string* text) {
+    FILE* in = std::fopen(path.c_str(), "rb");
+    if (!in) return false;
+    text->clear();
+    char buffer[65536];
+    for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, in)) > 0;) text->append(buffer, n);
+    std::fclose(in);
+    return true;
+}
+
+std::vector<std::string> splitLines(const std::string& text) {
+    std::vector<std::string> lines;
+    size_t start = 0;
+    while (start < text.size()) {
+        size_t end = text.find('\n', start);
+        if (end == std::string::npos) end = text.size();
+        lines.push_back(text.substr(start, end - start));
+        start = end + 1;
+    }
+    return lines;
+}
+
+struct Token {
+    size_t start, end;
+};
+
+std::vector<Token> tokensOf(const std::string& line) {
+    std::vector<Token> tokens;
+    size_t i = 0;
+    while (i < line.size()) {
+        while (i < line.size() && std::isspace(static_cast<unsigned char>(line[i]))) i++;
+        if (i >= line.size()) break;
+        size_t start = i;
+        while (i < line.size() && !std::isspace(static_cast<unsigned char>(line[i]))) i++;
+        tokens.push_back({start, i});
+    }
+    return tokens;
+}
+
+bool isInteger(const std::string& text) {
+    size_t i = text[0] == '-' ? 1 : 0;
+    if (i >= text.size()) return false;
+    for (; i < text.size(); i++)
+        if (!std::isdigit(static_cast<unsigned char>(text[i]))) return false;
+    return true;
+}
+
+// Rewrites the right-aligned integer field (at least width columns) that
+// ends with token t as value + offset.
+void shiftField(std::string* line, const Token& t, int width, int offset) {
+    int value = std::atoi(line->substr(t.start, t.end - t.start).c_str()) + offset;
+    size_t length = t.end - t.start;
+    size_t field = length > static_cast<size_t>(width) ? length : static_cast<size_t>(width);
+    char text[32];
+    std::snprintf(text, sizeof text, "%*d", width, value);
+    line->replace(t.end - field, field, text);
+}
+
+// A per-file summary line: name, five integers, then Da and Dr in %e.
+bool isSummary(const std::string& line, std::vector<Token>* tokens) {
+    *tokens = tokensOf(line);
+    if (tokens->size() != 13) return false;
+    for (int i = 1; i <= 5; i++)
+        if (!isInteger(line.substr((*tokens)[i].start, (*tokens)[i].end - (*tokens)[i].start)))
+            return false;
+    for (int i = 6; i <= 7; i++)
+        if (line.substr((*tokens)[i].start, (*tokens)[i].end - (*tokens)[i].start).find('e') ==
+            std::string::npos)
+            return false;
+    return true;
+}
+
+// One shard's output, checked and with its file indices moved on by offset.
+struct Shard {
+    int entries = 0;
+    int filesRead = 0;
+    int status = 0;
+    std::string header, rows;
+    std::vector<std::string> messages;  // standard error lines, in order
+    std::vector<bool> isSummary;
+};
+
+int countEntries(const std::string& dir) {
+    std::string list;
+    if (!readWhole(dir + "/list", &list)) return -1;
+    return static_cast<int>(splitLines(list).size());
+}
+
+// Splits a report into its header (VARS and FORMAT lines and the blank line)
+// and its rows.
+void splitReport(const std::string& report, Shard* s) {
+    if (report.compare(0, 4, "VARS") != 0) {
+        s->rows = report;
+        return;
+    }
+    size_t end = report.find("\n\n");
+    end = end == std::string::npos ? report.size() : end + 2;
+    s->header = report.substr(0, end);
+    s->rows = report.substr(end);
+}
+
+// The file index is the second value of a row; a row starts each text line
+// of the body after the first one's four trailing values of the row before.
+std::string renumberRows(const std::string& rows, int offset) {
+    if (offset == 0 || rows.empty()) return rows;
+    std::vector<std::string> lines = splitLines(rows);
+    std::string out;
+    for (size_t i = 0; i < lines.size(); i++) {
+        std::vector<Token> t = tokensOf(lines[i]);
+        size_t index = i == 0 ? 1 : 5;
+        if (t.size() > index) shiftField(&lines[i], t[index], 5, offset);
+        out += lines[i];
+        if (i + 1 < lines.size() || rows.back() == '\n') out += '\n';
+    }
+    return out;
+}
+
+// Reads shard k; false (after naming it) when it did not run to its end.
+bool readShard(const std::string& work, int k, Shard* s) {
+    std::string dir = shardDir(work, k), report, err, status;
+    s->entries = countEntries(dir);
+    const char* why = nullptr;
+    if (s->entries < 0)
+        why = "no list";
+    else if (!readWhole(dir + "/status", &status) || status.empty())
+        why = "no exit status";
+    else if (!readWhole(dir + "/stderr.txt", &err))
+        why = "no standard error file";
+    else if (err.find(kAllocationLine) == std::string::npos)
+        why = "its search did not finish";
+    else if (!readWhole(dir + "/report.txt", &report))
+        why = "no report";
+    if (why) {
+        std::fprintf(stderr, "dc-search-merge Error: shard %d (%s) failed: %s.\n", k, dir.c_str(),
+                     why);
+        return false;
+    }
+    s->status = std::atoi(status.c_str());
+    splitReport(report, s);
+    int readErrors = 0;
+    for (const std::string& line : splitLines(err)) {
+        if (line.compare(0, sizeof kAllocationLine - 1, kAllocationLine) == 0) continue;
+        if (line.compare(0, sizeof kReadError - 1, kReadError) == 0) readErrors++;
+        std::vector<Token> tokens;
+        s->isSummary.push_back(isSummary(line, &tokens));
+        s->messages.push_back(line);
+    }
+    // The blank line before the allocation line ends every run's output.
+    while (!s->messages.empty() && s->messages.back().empty()) {
+        s->messages.pop_back();
+        s->isSummary.pop_back();
+    }
+    s->filesRead = s->entries - readErrors;
+    return true;
+}
+
+struct Output {
+    FILE* stream = nullptr;
+    bool owned = false;
+};
+
+Output openOutput(const std::string& name) {
+    if (name.empty()) return {stdout, false};
+    if (strcasecmp(name.c_str(), "None") == 0) return {nullptr, false};
+    FILE* f = std::fopen(name.c_str(), "w");
+    if (!f) {
+        std::fprintf(stderr, "DC Error opening output file %s\n", name.c_str());
+        return {stdout, false};
+    }
+    return {f, true};
+}
+
+}  // namespace
+
+int mergeShards(const std::string& work, int n, const std::string& outName) {
+    std::vector<Shard> shards(static_cast<size_t>(n));
+    for (int k = 1; k <= n; k++)
+        if (!readShard(work, k, &shards[static_cast<size_t>(k - 1)])) return 1;
+    Output out = openOutput(outName);
+    bool headerDone = false;
+    int offset = 0, status = 0;
+    for (Shard& s : shards) {
+        if (out.stream && !s.header.empty() && !headerDone) {
+            std::fputs(s.header.c_str(), out.stream);
+            headerDone = true;
+        }
+        if (out.stream) std::fputs(renumberRows(s.rows, offset).c_str(), out.stream);
+        for (size_t i = 0; i < s.messages.size(); i++) {
+            std::string line = s.messages[i];
+            if (s.isSummary[i]) {
+                if (out.stream == stdout) continue;
+                std::vector<Token> tokens = tokensOf(line);
+                shiftField(&line, tokens[1], 4, offset);
+            }
+            std::fprintf(stderr, "%s\n", line.c_str());
+        }
+        offset += s.filesRead;
+        if (s.entries > 0) status = s.status;
+    }
+    if (out.owned) std::fclose(out.stream);
+    return status;
+}
