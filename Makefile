@@ -6,7 +6,7 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 RELEASE_DIR := build/release
 SANITIZE_DIR := build/sanitize
 
-.PHONY: all build test test-release test-sanitize demo bench fuzz fuzz-smoke clean format install uninstall
+.PHONY: all build test test-release test-sanitize test-slurm demo bench fuzz fuzz-smoke clean format install uninstall
 
 all: build
 
@@ -15,6 +15,11 @@ build:
 	cmake --build $(RELEASE_DIR) -j $(JOBS)
 
 test: test-release test-sanitize
+
+# The sharded search on a real Slurm installation (needs slurmctld and
+# slurmd running; not part of make test).
+test-slurm: build
+	tests/slurm_search.sh $(RELEASE_DIR)
 
 # Installs DC, dcplot, the shift surfaces, the manual page and the README
 # under PREFIX (DESTDIR is honoured for packaging). The list of installed
