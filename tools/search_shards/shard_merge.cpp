@@ -3,6 +3,7 @@
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -90,7 +91,7 @@ struct Shard {
     int entries = 0;
     int filesRead = 0;
     int status = 0;
-    std::string header, rows;
+    std::string report;                 // path of the shard's report
     std::vector<std::string> messages;  // standard error lines, in order
     std::vector<bool> isSummary;
 };
@@ -101,38 +102,82 @@ int countEntries(const std::string& dir) {
     return static_cast<int>(splitLines(list).size());
 }
 
-// Splits a report into its header (VARS and FORMAT lines and the blank line)
-// and its rows.
-void splitReport(const std::string& report, Shard* s) {
-    if (report.compare(0, 4, "VARS") != 0) {
-        s->rows = report;
-        return;
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+// The end of token number n (from 0) of the text from p to end, its start in
+// *start; null when the text has fewer tokens.
+const char* nthToken(const char* p, const char* end, int n, const char** start) {
+    for (int t = 0; p < end; t++) {
+        while (p < end && isBlank(*p)) p++;
+        if (p >= end) break;
+        *start = p;
+        while (p < end && !isBlank(*p)) p++;
+        if (t == n) return p;
     }
-    size_t end = report.find("\n\n");
-    end = end == std::string::npos ? report.size() : end + 2;
-    s->header = report.substr(0, end);
-    s->rows = report.substr(end);
+    return nullptr;
 }
 
-// The file index is the second value of a row; a row starts each text line
-// of the body after the first one's four trailing values of the row before.
-std::string renumberRows(const std::string& rows, int offset) {
-    if (offset == 0 || rows.empty()) return rows;
-    std::vector<std::string> lines = splitLines(rows);
-    std::string out;
-    for (size_t i = 0; i < lines.size(); i++) {
-        std::vector<Token> t = tokensOf(lines[i]);
-        size_t index = i == 0 ? 1 : 5;
-        if (t.size() > index) shiftField(&lines[i], t[index], 5, offset);
-        out += lines[i];
-        if (i + 1 < lines.size() || rows.back() == '\n') out += '\n';
+// Writes one text line of a report body (with its newline, if any) with
+// its file index moved on by offset. The index is the second value of a
+// row, and a row starts each text line after the first one's four trailing
+// values of the row before; only the "%5d" index field is rewritten.
+void writeRowLine(FILE* out, const std::string& line, bool first, int offset) {
+    const char* p = line.data();
+    const char* stop = p + line.size();
+    const char* start = nullptr;
+    const char* e = offset == 0 ? nullptr : nthToken(p, stop, first ? 1 : 5, &start);
+    if (!e) {
+        std::fwrite(p, 1, line.size(), out);
+        return;
     }
-    return out;
+    long length = e - start;
+    const char* field = e - (length > 5 ? length : 5);
+    std::fwrite(p, 1, static_cast<size_t>(field - p), out);
+    std::fprintf(out, "%5d", std::atoi(start) + offset);
+    std::fwrite(e, 1, static_cast<size_t>(stop - e), out);
+}
+
+// Reads one line with its newline (none at the end of the file) into line;
+// false at the end of the file.
+bool readLine(FILE* in, std::string* line) {
+    line->clear();
+    char buffer[4096];
+    while (std::fgets(buffer, sizeof buffer, in)) {
+        line->append(buffer);
+        if (!line->empty() && line->back() == '\n') return true;
+    }
+    return !line->empty();
+}
+
+// Streams a shard's report to out: its header (the VARS and FORMAT lines
+// and the blank line) only when no header was written yet, then its rows
+// with their file indices moved on by offset.
+void writeReport(FILE* out, const std::string& path, int offset, bool* headerDone) {
+    FILE* in = std::fopen(path.c_str(), "r");
+    if (!in) return;
+    std::string line;
+    bool inHeader = false, firstLine = true, firstRowLine = true;
+    while (readLine(in, &line)) {
+        if (firstLine && line.compare(0, 4, "VARS") == 0) inHeader = true;
+        firstLine = false;
+        if (inHeader) {
+            if (!*headerDone) std::fwrite(line.data(), 1, line.size(), out);
+            if (line == "\n") {
+                inHeader = false;
+                *headerDone = true;
+            }
+            continue;
+        }
+        writeRowLine(out, line, firstRowLine, offset);
+        firstRowLine = false;
+    }
+    std::fclose(in);
 }
 
 // Reads shard k; false (after naming it) when it did not run to its end.
 bool readShard(const std::string& work, int k, Shard* s) {
-    std::string dir = shardDir(work, k), report, err, status;
+    std::string dir = shardDir(work, k), err, status;
+    FILE* in = nullptr;
     s->entries = countEntries(dir);
     const char* why = nullptr;
     if (s->entries < 0)
@@ -143,15 +188,16 @@ bool readShard(const std::string& work, int k, Shard* s) {
         why = "no standard error file";
     else if (err.find(kAllocationLine) == std::string::npos)
         why = "its search did not finish";
-    else if (!readWhole(dir + "/report.txt", &report))
+    else if (!(in = std::fopen((dir + "/report.txt").c_str(), "r")))
         why = "no report";
+    if (in) std::fclose(in);
     if (why) {
         std::fprintf(stderr, "dc-search-merge Error: shard %d (%s) failed: %s.\n", k, dir.c_str(),
                      why);
         return false;
     }
     s->status = std::atoi(status.c_str());
-    splitReport(report, s);
+    s->report = dir + "/report.txt";
     int readErrors = 0;
     for (const std::string& line : splitLines(err)) {
         if (line.compare(0, sizeof kAllocationLine - 1, kAllocationLine) == 0) continue;
@@ -195,11 +241,7 @@ int mergeShards(const std::string& work, int n, const std::string& outName) {
     bool headerDone = false;
     int offset = 0, status = 0;
     for (Shard& s : shards) {
-        if (out.stream && !s.header.empty() && !headerDone) {
-            std::fputs(s.header.c_str(), out.stream);
-            headerDone = true;
-        }
-        if (out.stream) std::fputs(renumberRows(s.rows, offset).c_str(), out.stream);
+        if (out.stream) writeReport(out.stream, s.report, offset, &headerDone);
         for (size_t i = 0; i < s.messages.size(); i++) {
             std::string line = s.messages[i];
             if (s.isSummary[i]) {
