@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "app/search_list.h"
@@ -179,6 +180,17 @@ void searchList(SearchRun& run, char** lines, int lineCount, int* status) {
     }
 }
 
+// The file index of the list's first structure: 1, or what
+// DC_SEARCH_FIRST_INDEX says, so that a shard of a split list (dc-search)
+// numbers its files as the whole list's search would.
+int firstFileIndex() {
+    const char* text = std::getenv("DC_SEARCH_FIRST_INDEX");
+    if (!text || !*text) return 1;
+    char* end = nullptr;
+    long value = std::strtol(text, &end, 10);
+    return (*end || value < 1 || value > kResidLimit) ? 1 : static_cast<int>(value);
+}
+
 int countEntries(char** lines, int lineCount) {
     int count = 0;
     for (int i = 0; i < lineCount; i++) {
@@ -221,6 +233,7 @@ int searchDC(DTab* dTab, CSTab* cs, const RunSettings* s) {
     // A row reports the tensor's magnitudes and angles as zeros, so the
     // Euler angles of an order-matrix fit would be computed for nothing.
     run.givenTensor.euler = 0;
+    run.fileIndex = firstFileIndex() - 1;
     resetSearchBest();
     status = 0;
     progressBegin(showProgress(run.output) ? countEntries(lines, lineCount) : 0);

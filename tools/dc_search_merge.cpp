@@ -11,13 +11,14 @@ namespace {
 
 void usage() {
     std::fprintf(stderr,
-                 "Usage: dc-search-merge [--out NAME] WORKDIR N\n"
+                 "Usage: dc-search-merge [--consume] [--out NAME] WORKDIR N\n"
                  "       dc-search-merge --split LIST N WORKDIR\n"
                  "Merges the searches of shards WORKDIR/shard.1 .. shard.N (each holding its\n"
                  "list, report.txt, stderr.txt and status) into one report: rows to NAME\n"
                  "(standard output without --out, nowhere for None), messages and per-file\n"
-                 "summaries to standard error. --split writes the structure lines of LIST\n"
-                 "into N shard lists, in order.\n");
+                 "summaries to standard error. --consume lets it move shard files instead\n"
+                 "of copying them (the work directory is not merged twice). --split writes\n"
+                 "the structure lines of LIST into N shard lists, in order.\n");
 }
 
 int shardCount(const char* text) {
@@ -33,12 +34,14 @@ int main(int argc, char** argv) {
         return splitList(argv[2], shardCount(argv[3]), argv[4]);
     std::string out;
     int first = 1;
-    if (argc > 2 && std::strcmp(argv[1], "--out") == 0) {
-        out = argv[2];
-        first = 3;
+    bool consume = argc > 1 && std::strcmp(argv[1], "--consume") == 0;
+    if (consume) first++;
+    if (argc > first + 1 && std::strcmp(argv[first], "--out") == 0) {
+        out = argv[first + 1];
+        first += 2;
     }
     if (argc - first == 2 && shardCount(argv[first + 1]) > 0)
-        return mergeShards(argv[first], shardCount(argv[first + 1]), out);
+        return mergeShards(argv[first], shardCount(argv[first + 1]), out, consume);
     usage();
     return 2;
 }

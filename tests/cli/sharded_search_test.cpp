@@ -102,11 +102,22 @@ TEST(ShardedSearch, StatusOfTheLastFileAndFailedShards) {
     EXPECT_EQ(merged.status, single.status);
     EXPECT_EQ(messages(merged.err), messages(single.err));
 
+    // Shards run by hand, as the README tells: the merge numbers the files.
+    shell(dir, "'" DC_SEARCH_MERGE "' --split list 3 work");
+    for (int k = 1; k <= 3; k++) {
+        std::string shard = "work/shard." + std::to_string(k);
+        shell(dir, "'" DC_BINARY "'" + kSearch + " -list " + shard + "/list -outS " + shard +
+                       "/report.txt 2>" + shard + "/stderr.txt; echo $? >" + shard + "/status");
+    }
+    shell(dir, "'" DC_BINARY "'" + kSearch + " -list list -outS single.txt");
+    ShellRun byHand = shell(dir, "'" DC_SEARCH_MERGE "' --out merged.txt work 3");
+    EXPECT_EQ(byHand.status, single.status);
+    EXPECT_EQ(readFile(dir + "/merged.txt"), readFile(dir + "/single.txt"));
+    EXPECT_EQ(messages(byHand.err), messages(single.err));
+
     // A shard whose search never finished is named, and nothing is written.
-    shell(dir,
-          "'" + kScript + "' --engine local --shards 2 --workdir work" + kSearch + " -list list");
     std::remove((dir + "/work/shard.2/report.txt").c_str());
-    ShellRun broken = shell(dir, "'" DC_SEARCH_MERGE "' --out again.txt work 2");
+    ShellRun broken = shell(dir, "'" DC_SEARCH_MERGE "' --out again.txt work 3");
     EXPECT_EQ(broken.status, 1);
     EXPECT_EQ(broken.err, "dc-search-merge Error: shard 2 (work/shard.2) failed: no report.\n");
     EXPECT_EQ(readFile(dir + "/again.txt"), "");

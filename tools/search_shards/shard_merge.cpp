@@ -1,4 +1,6 @@
+#include <fcntl.h>
 #include <strings.h>
+#include <unistd.h>
 
 #include <cctype>
 #include <cstdio>
@@ -36,6 +38,8 @@ std::vector<std::string> splitLines(const std::string& text) {
     return lines;
 }
 
+inline bool isWhite(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
 struct Token {
     size_t start, end;
 };
@@ -44,10 +48,10 @@ std::vector<Token> tokensOf(const std::string& line) {
     std::vector<Token> tokens;
     size_t i = 0;
     while (i < line.size()) {
-        while (i < line.size() && std::isspace(static_cast<unsigned char>(line[i]))) i++;
+        while (i < line.size() && isWhite(line[i])) i++;
         if (i >= line.size()) break;
         size_t start = i;
-        while (i < line.size() && !std::isspace(static_cast<unsigned char>(line[i]))) i++;
+        while (i < line.size() && !isWhite(line[i])) i++;
         tokens.push_back({start, i});
     }
     return tokens;
@@ -91,6 +95,7 @@ struct Shard {
     int entries = 0;
     int filesRead = 0;
     int status = 0;
+    int firstIndex = 1;                 // the file index its search started at
     std::string report;                 // path of the shard's report
     std::vector<std::string> messages;  // standard error lines, in order
     std::vector<bool> isSummary;
@@ -149,6 +154,44 @@ bool readLine(FILE* in, std::string* line) {
     return !line->empty();
 }
 
+// Copies the bytes of in from offset on to out, in the kernel where it can.
+void copyRest(int in, off_t offset, int out) {
+    loff_t from = offset;
+    for (;;) {
+        ssize_t n = copy_file_range(in, &from, out, nullptr, 1 << 30, 0);
+        if (n > 0) continue;
+        if (n == 0) return;
+        break;  // not between these files: copy by hand
+    }
+    char buffer[1 << 16];
+    for (ssize_t n; (n = pread(in, buffer, sizeof buffer, from)) > 0; from += n) {
+        for (ssize_t done = 0; done < n;) {
+            ssize_t w = write(out, buffer + done, static_cast<size_t>(n - done));
+            if (w <= 0) return;
+            done += w;
+        }
+    }
+}
+
+// A shard whose indices are already right: its header (when none was
+// written yet) and its rows as they stand.
+void copyReport(FILE* out, const std::string& path, bool* headerDone) {
+    int in = open(path.c_str(), O_RDONLY);
+    if (in < 0) return;
+    char head[1 << 16];
+    ssize_t n = pread(in, head, sizeof head, 0);
+    off_t body = 0;
+    if (n >= 4 && std::memcmp(head, "VARS", 4) == 0) {
+        const void* blank = memmem(head, static_cast<size_t>(n), "\n\n", 2);
+        body = blank ? static_cast<const char*>(blank) - head + 2 : n;
+        if (!*headerDone) std::fwrite(head, 1, static_cast<size_t>(body), out);
+        *headerDone = true;
+    }
+    std::fflush(out);
+    copyRest(in, body, fileno(out));
+    close(in);
+}
+
 // Streams a shard's report to out: its header (the VARS and FORMAT lines
 // and the blank line) only when no header was written yet, then its rows
 // with their file indices moved on by offset.
@@ -198,6 +241,9 @@ bool readShard(const std::string& work, int k, Shard* s) {
     }
     s->status = std::atoi(status.c_str());
     s->report = dir + "/report.txt";
+    std::string first;
+    if (readWhole(dir + "/first_index", &first) && std::atoi(first.c_str()) > 0)
+        s->firstIndex = std::atoi(first.c_str());
     int readErrors = 0;
     for (const std::string& line : splitLines(err)) {
         if (line.compare(0, sizeof kAllocationLine - 1, kAllocationLine) == 0) continue;
@@ -231,23 +277,56 @@ Output openOutput(const std::string& name) {
     return {f, true};
 }
 
+// The first shard's report, right as it stands, becomes the output file
+// itself (renamed, not copied) when both lie on one file system; the rest
+// is appended. False (output untouched) when it cannot be moved.
+bool moveFirstReport(Output* out, const std::string& report, const std::string& outName,
+                     bool* headerDone) {
+    char head[4] = {0, 0, 0, 0};
+    FILE* in = std::fopen(report.c_str(), "r");
+    if (!in) return false;
+    size_t n = std::fread(head, 1, sizeof head, in);
+    std::fclose(in);
+    std::fclose(out->stream);
+    bool moved = std::rename(report.c_str(), outName.c_str()) == 0;
+    // Opened for update, not append, so that the kernel can copy into it.
+    out->stream = std::fopen(outName.c_str(), moved ? "r+" : "w");
+    if (out->stream && moved) std::fseek(out->stream, 0, SEEK_END);
+    if (!out->stream) {
+        out->owned = false;
+        return moved;
+    }
+    if (moved) *headerDone = n == 4 && std::memcmp(head, "VARS", 4) == 0;
+    return moved;
+}
+
 }  // namespace
 
-int mergeShards(const std::string& work, int n, const std::string& outName) {
+int mergeShards(const std::string& work, int n, const std::string& outName, bool consume) {
     std::vector<Shard> shards(static_cast<size_t>(n));
     for (int k = 1; k <= n; k++)
         if (!readShard(work, k, &shards[static_cast<size_t>(k - 1)])) return 1;
     Output out = openOutput(outName);
     bool headerDone = false;
+    bool firstMoved = consume && out.owned && shards[0].firstIndex == 1 &&
+                      moveFirstReport(&out, shards[0].report, outName, &headerDone);
     int offset = 0, status = 0;
     for (Shard& s : shards) {
-        if (out.stream) writeReport(out.stream, s.report, offset, &headerDone);
+        // The shard numbered its files from firstIndex; the whole list's
+        // search reaches it at offset + 1.
+        int shift = offset + 1 - s.firstIndex;
+        bool moved = firstMoved && &s == &shards[0];
+        if (out.stream && !moved && shift == 0)
+            copyReport(out.stream, s.report, &headerDone);
+        else if (out.stream && !moved)
+            writeReport(out.stream, s.report, shift, &headerDone);
         for (size_t i = 0; i < s.messages.size(); i++) {
             std::string line = s.messages[i];
             if (s.isSummary[i]) {
                 if (out.stream == stdout) continue;
                 std::vector<Token> tokens = tokensOf(line);
-                shiftField(&line, tokens[1], 4, offset);
+                int shift = offset + 1 - s.firstIndex;
+                if (shift != 0) shiftField(&line, tokens[1], 4, shift);
             }
             std::fprintf(stderr, "%s\n", line.c_str());
         }

@@ -24,6 +24,10 @@ int splitList(const char* listPath, int n, const std::string& work) {
     for (int i = 0; i < count; i++)
         if (isListEntry(lines[i])) entries.emplace_back(lines[i]);
     freeText(lines);
+    if (mkdir(work.c_str(), 0777) != 0 && errno != EEXIST) {
+        std::fprintf(stderr, "dc-search-merge Error: cannot make %s.\n", work.c_str());
+        return 1;
+    }
     size_t total = entries.size(), next = 0;
     for (int k = 1; k <= n; k++) {
         std::string dir = shardDir(work, k);

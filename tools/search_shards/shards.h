@@ -17,6 +17,8 @@ int splitList(const char* listPath, int n, const std::string& work);
 // Merges shards 1..n into the report one search over the whole list writes:
 // rows to outName ("" standard output, "None" nowhere), messages and
 // per-file summaries to standard error (summaries not when rows go to
-// standard output). Returns the status the single search would return, or 1
-// after naming a shard that failed (nothing is written then).
-int mergeShards(const std::string& work, int n, const std::string& outName);
+// standard output). With consume set the shard files may be moved rather
+// than copied (the first report becomes the output file). Returns the
+// status the single search would return, or 1 after naming a shard that
+// failed (nothing is written then).
+int mergeShards(const std::string& work, int n, const std::string& outName, bool consume);
