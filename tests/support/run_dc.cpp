@@ -9,6 +9,7 @@
 #include <cstring>
 #include <fstream>
 #include <sstream>
+#include <vector>
 
 extern char** environ;
 
@@ -74,10 +75,28 @@ void writeFile(const std::string& path, const std::string& text) {
     out << text;
 }
 
+namespace {
+
+// Scratch directories of this test process, removed when it ends (set
+// DC_KEEP_SCRATCH to keep them for a look after a failure).
+std::vector<std::string>& scratchDirs() {
+    static std::vector<std::string> dirs;
+    return dirs;
+}
+
+void removeScratchDirs() {
+    if (std::getenv("DC_KEEP_SCRATCH")) return;
+    for (const std::string& dir : scratchDirs()) std::system(("rm -rf '" + dir + "'").c_str());
+}
+
+}  // namespace
+
 std::string scratchDir(const std::string& name) {
     std::string path = std::string("scratch_") + std::to_string(getpid()) + "_" + name;
     std::string command = "rm -rf '" + path + "' && mkdir -p '" + path + "'";
     if (std::system(command.c_str()) != 0) return ".";
+    if (scratchDirs().empty()) std::atexit(removeScratchDirs);
+    scratchDirs().push_back(path);
     char resolved[4096];
     return realpath(path.c_str(), resolved) ? std::string(resolved) : path;
 }
