@@ -13,9 +13,8 @@
 #include "dc/dipolar.h"
 #include "dc/dtab.h"
 #include "dc/read_dc.h"
-#include "fit/fit_state.h"
+#include "fit/workspaces.h"
 #include "pdb/modes.h"
-#include "pdb/superpose.h"
 #include "util/alloc.h"
 #include "util/args.h"
 #include "util/growstr.h"
@@ -56,9 +55,7 @@ int runSteps(RunSettings* settings, DTab* dTab, CSTab* cs) {
 void cleanUp(RunSettings* settings, DTab* dTab, CSTab* cs) {
     csTabFree(cs);
     dTabFree(dTab);
-    dipolarFree();
-    fitDCFree();
-    fitAlignFree();
+    releaseFitWorkspaces();
     surfFree();
     runSettingsFree(settings);
     freeToken();

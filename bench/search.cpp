@@ -33,11 +33,11 @@
 #include "dc/select_dc.h"
 #include "fit/fit_driver.h"
 #include "fit/fit_state.h"
+#include "fit/workspaces.h"
 #include "pdb/backbone.h"
 #include "pdb/modes.h"
 #include "pdb/reader.h"
 #include "pdb/structure.h"
-#include "pdb/superpose.h"
 #include "synthetic_ensemble.h"
 #include "util/alloc.h"
 
@@ -261,9 +261,7 @@ SearchFigures runSearch(const std::string& dir, const std::string& table) {
     }
     csTabFree(&cs);
     dTabFree(&dTab);
-    dipolarFree();
-    fitDCFree();
-    fitAlignFree();
+    releaseFitWorkspaces();
     runSettingsFree(&s);
 
     FILE* in = std::fopen(summaryPath.c_str(), "r");

@@ -21,11 +21,10 @@
 #include "dc/dipolar.h"
 #include "dc/dtab.h"
 #include "dc/read_dc.h"
-#include "fit/fit_state.h"
+#include "fit/workspaces.h"
 #include "fuzz/fixtures.h"
 #include "fuzz/fuzz_support.h"
 #include "pdb/modes.h"
-#include "pdb/superpose.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     fuzz::quietStreams();
@@ -59,9 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (readDC(fuzz::scratchPath("a.tab").c_str(), &dTab, 0) == 0) searchDC(&dTab, &cs, &s);
     csTabFree(&cs);
     dTabFree(&dTab);
-    dipolarFree();
-    fitDCFree();
-    fitAlignFree();
+    releaseFitWorkspaces();
     runSettingsFree(&s);
     fuzz::checkBalance(start, "search list input");
     return 0;
