@@ -14,18 +14,10 @@ using namespace std::string_literals;
 
 const std::string kHafpA = DC_SHARED_DATA "/hafp_a.pdb";
 const std::string kHafpTable = DC_SHARED_DATA "/hafp_nh_caha.tab";
-const std::regex kAllocLine("REMARK Memory Allocation Status\\. Reused: \\d+ In Use: 0\n$");
 
 const char* const kCouplingHeader =
     "VARS RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J D DD W\n"
     "FORMAT %d %s %s %d %s %s %f %f %f\n\n";
-
-// Standard error without the allocation balance, which must read In Use: 0.
-std::string errBody(const DCResult& r) {
-    std::smatch m;
-    if (!std::regex_search(r.err, m, kAllocLine)) return "no allocation line:\n" + r.err;
-    return r.err.substr(0, m.position(0));
-}
 
 // The D statistics line of a run.
 std::string statLine(const DCResult& r) {

@@ -13,13 +13,6 @@
 namespace {
 
 const std::string kHafpA = DC_SHARED_DATA "/hafp_a.pdb";
-const std::regex kAllocLine("REMARK Memory Allocation Status\\. Reused: \\d+ In Use: 0\n$");
-
-std::string errBody(const DCResult& r) {
-    std::smatch m;
-    if (!std::regex_search(r.err, m, kAllocLine)) return "no allocation line:\n" + r.err;
-    return r.err.substr(0, m.position(0));
-}
 
 void writeSurface(const std::string& path, float value, float bound, float threshold) {
     std::vector<float> grid(4, value);

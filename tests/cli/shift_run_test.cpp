@@ -19,13 +19,6 @@ namespace {
 
 const std::string kUbqDir = DC_EXAMPLES "/ubq";
 const std::string kSurfaces = DC_SURFACE_DIR;
-const std::regex kAllocLine("REMARK Memory Allocation Status\\. Reused: \\d+ In Use: 0\n$");
-
-std::string errBody(const DCResult& r) {
-    std::smatch m;
-    if (!std::regex_search(r.err, m, kAllocLine)) return "no allocation line:\n" + r.err;
-    return r.err.substr(0, m.position(0));
-}
 
 std::vector<std::string> words(const std::string& line) {
     std::istringstream in(line);

@@ -20,7 +20,6 @@ const std::string kFixtures = DC_TEST_DATA "/simulation";
 const std::string kHafpA = DC_SHARED_DATA "/hafp_a.pdb";
 const std::string kHafpB = DC_SHARED_DATA "/hafp_b.pdb";
 const std::string kHafpTable = DC_SHARED_DATA "/hafp_nh_caha.tab";
-const std::regex kAllocLine("REMARK Memory Allocation Status\\. Reused: \\d+ In Use: 0\n$");
 
 std::string versionLines() {
     return std::string("# DC Dipolar Coupling Calculation. ") + DC_DOC_ADDRESS +
@@ -50,13 +49,6 @@ std::vector<std::string> atomLines(const std::string& path) {
         if (line.rfind("ATOM", 0) == 0) atoms.push_back(line);
     }
     return atoms;
-}
-
-// Standard error before the allocation balance, which must read In Use: 0.
-std::string errBody(const DCResult& r) {
-    std::smatch m;
-    if (!std::regex_search(r.err, m, kAllocLine)) return "no allocation line:\n" + r.err;
-    return r.err.substr(0, m.position(0));
 }
 
 double dataValue(const std::string& text, const std::string& key) {

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <vector>
 
@@ -99,4 +100,16 @@ std::string scratchDir(const std::string& name) {
     scratchDirs().push_back(path);
     char resolved[4096];
     return realpath(path.c_str(), resolved) ? std::string(resolved) : path;
+}
+
+namespace {
+const std::regex kAllocLine("REMARK Memory Allocation Status\\. Reused: \\d+ In Use: 0\n$");
+}  // namespace
+
+bool endsBalanced(const std::string& err) { return std::regex_search(err, kAllocLine); }
+
+std::string errBody(const DCResult& r) {
+    std::smatch m;
+    if (!std::regex_search(r.err, m, kAllocLine)) return "no allocation line:\n" + r.err;
+    return r.err.substr(0, m.position(0));
 }

@@ -21,3 +21,9 @@ std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& text);
 // A fresh empty directory for one test.
 std::string scratchDir(const std::string& name);
+
+// Standard error before the closing allocation line, which must read
+// "In Use: 0"; the whole text after a note when it does not.
+std::string errBody(const DCResult& r);
+// Whether standard error ends with the allocation line reading "In Use: 0".
+bool endsBalanced(const std::string& err);
