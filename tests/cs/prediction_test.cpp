@@ -22,14 +22,11 @@ namespace {
 // error bound 0.7.
 void writeShiftSurface(const std::string& dir, const std::string& name, float base) {
     std::vector<float> value(16), density(16, 5.0f), dev(16, 0.2f);
-    for (int iy = 0; iy < 4; iy++) {
-        for (int ix = 0; ix < 4; ix++) value[iy * 4 + ix] = base + 10.0f * iy + ix + 1.0f;
-    }
+    for (int i = 0; i < 16; i++) value[i] = base + 10.0f * (i / 4) + i % 4 + 1.0f;
     density[0] = 0.1f;
     SurfHeader h{4, 4, -180, 180, -180, 180, 1, 0.7f, 0.5f};
-    ASSERT_EQ(surfWrite2D((dir + "/" + name + ".dat").c_str(), value.data(), h), 0);
-    ASSERT_EQ(surfWrite2D((dir + "/" + name + ".d.dat").c_str(), density.data(), h), 0);
-    ASSERT_EQ(surfWrite2D((dir + "/" + name + ".q.dat").c_str(), dev.data(), h), 0);
+    for (auto [ending, grid] : {std::pair{".dat", &value}, {".d.dat", &density}, {".q.dat", &dev}})
+        ASSERT_EQ(surfWrite2D((dir + "/" + name + ending).c_str(), grid->data(), h), 0);
 }
 
 // A surface directory with every conformation surface (2 x 2 cells holding
@@ -43,10 +40,8 @@ std::string writeSurfaceDirectory() {
     for (const char* name : kSurfResNames) {
         EXPECT_EQ(surfWrite2D((dir + "/" + name + ".dat").c_str(), cells, conformation), 0);
     }
-    writeShiftSurface(dir, "CA.ALA", 0.0f);
+    for (const char* name : {"CA.ALA", "N.ALA.prev", "C.ALA.next"}) writeShiftSurface(dir, name, 0);
     writeShiftSurface(dir, "CA.xPRO", 100.0f);
-    writeShiftSurface(dir, "N.ALA.prev", 0.0f);
-    writeShiftSurface(dir, "C.ALA.next", 0.0f);
     writeFile(dir + "/rc.tab",
               "VARS RESNAME ATOMNAME TYPE OFFSET SHIFT\nFORMAT %s %s %s %d %f\n"
               "A CA RC 0 50\nA N RC 0 120\nA C RC 0 175\nP CA RC 0 60\nP CA ADJ 1 -2\n");
@@ -63,17 +58,12 @@ class Prediction : public cstest::ShiftTableTest {
         dir_ = writeSurfaceDirectory();
         ASSERT_EQ(surfRead(dir_.c_str(), "rc.tab", "homo.tab", 0), 0);
         std::string pdbText;
-        const char* names[] = {"ALA", "ALA", "ALA", "PRO", "ALA"};
-        int serial = 1;
-        for (int r = 0; r < 5; r++) {
-            for (const char* atom : {" N  ", " CA ", " C  "}) {
-                char line[96];
-                std::snprintf(line, sizeof line,
-                              "ATOM  %5d %s %s A%4d    %8.3f%8.3f%8.3f  1.00  0.00\n", serial, atom,
-                              names[r], r + 1, 1.5f * serial, 0.0f, 0.0f);
-                pdbText += line;
-                serial++;
-            }
+        for (int serial = 1; serial <= 15; serial++) {
+            char line[96];
+            std::snprintf(line, sizeof line, "ATOM  %5d %.4s %s A%4d    %8.3f   0.000   0.000\n",
+                          serial, &" N   CA  C  "[4 * ((serial - 1) % 3)],
+                          (serial - 1) / 3 == 3 ? "PRO" : "ALA", (serial + 2) / 3, 1.5f * serial);
+            pdbText += line;
         }
         writeFile(dir_ + "/p.pdb", pdbText);
         ASSERT_EQ(readPDB((dir_ + "/p.pdb").c_str(), &pdb, nullptr), 0);
@@ -164,24 +154,6 @@ TEST_F(Prediction, StructureScores) {
     EXPECT_FLOAT_EQ(rms, static_cast<float>(std::sqrt(12.5)));
     EXPECT_EQ(pdb.residues[0].score, 777777.0f);
     EXPECT_EQ(pdb.residues[4].score, 4.0f);
-}
-
-// With the homology table built with DC, a structure against itself scores
-// 0 over every residue (the table's diagonal), xPRO names included.
-TEST(StructureScores, UbiquitinAgainstItselfScoresZeroHomology) {
-    int64_t start = bytesInUse();
-    ASSERT_EQ(surfRead(DC_SURFACE_DIR, "rc.tab", "homo.tab", 0), 0);
-    PDBData ubq;
-    pdbNull(&ubq);
-    ASSERT_EQ(readPDB(DC_EXAMPLES "/ubq/1ubq_h.pdb", &ubq, nullptr), 0);
-    float rms = -1, lastValue = -1;
-    int count = 0;
-    getStatHomo(&ubq, &ubq, 1, 76, "A", "", 1, 0, "A", "", 1, &rms, &lastValue, &count);
-    EXPECT_EQ(count, 76);
-    EXPECT_EQ(rms, 0.0f);
-    pdbFree(&ubq);
-    surfFree();
-    EXPECT_EQ(bytesInUse(), start);
 }
 
 }  // namespace
