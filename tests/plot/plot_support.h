@@ -1,56 +1,49 @@
-// What the dcplot tests share: running the built program, reading DC's
-// tables independently of dcplot's own readers, and checking a picture's
-// points against the rows they came from.
+// What the dcplot tests share: running the built program, a checked flat view
+// of its pictures, DC's tables read independently of dcplot's own readers,
+// and the check that every row is one point where its panel puts it.
 #pragma once
 
 #include <map>
 #include <string>
 #include <vector>
 
-#include "xml_doc.h"
+#include "support/run_dc.h"
 
-struct PlotRun {
-    int status = -1;  // exit status; 128 + signal when the program was killed
-    std::string err;
+DCResult runPlot(const std::vector<std::string>& args);  // status -1 when killed
+
+// One element of a picture, entities resolved; panel is the index of the
+// enclosing element of class "panel", -1 when none.
+struct SvgElement {
+    std::map<std::string, std::string> attrs;
+    std::string text;  // character data directly inside
+    int panel = -1;
+    std::string attr(const std::string& key) const { return attrs.count(key) ? attrs.at(key) : ""; }
+    double num(const std::string& key) const;  // NaN when absent or not a number
+    bool hasClass(const std::string& cls) const;
 };
-PlotRun runPlot(const std::vector<std::string>& args);
+using Svg = std::vector<SvgElement>;  // in document order
 
-// A DC table or search report: the DATA lines by name (the words after the
-// name), and the values after the FORMAT line read as one stream, cut
-// into rows of as many values as VARS has names.
+// The first well-formedness fault of text (one root, tags closed in order,
+// quoted unrepeated attributes, only the predefined entities, no control
+// characters), empty when none; the elements go to out.
+std::string parseSvg(const std::string& text, Svg* out);
+Svg loadSvg(const std::string& path);  // fails the test unless well-formed SVG
+// Elements of class cls, within the given panel unless it is -2.
+std::vector<const SvgElement*> withClass(const Svg& svg, const std::string& cls, int panel = -2);
+
+// A DC table or search report: the DATA lines by name, and the values after
+// the FORMAT line read as one stream, cut into rows as VARS names them.
 struct TextTable {
     std::map<std::string, std::string> data;
     std::vector<std::map<std::string, std::string>> rows;
 };
 TextTable readTextTable(const std::string& path);
 
-// The picture at path, checked to be well-formed SVG.
-XmlNode loadSvg(const std::string& path);
-
-// The map a panel group states in its data-* attributes.
-struct PanelMap {
-    double left, top, width, height, xMin, xMax, yMin, yMax;
-    explicit PanelMap(const XmlNode& g);
-    double px(double x) const { return left + width * (x - xMin) / (xMax - xMin); }
-    double py(double y) const { return top + height * (yMax - y) / (yMax - yMin); }
-};
-
-// Checks that each row whose x and y columns hold values (DC writes 9999
-// for none) is exactly one point, found by its data-row, with those values
-// where its panel's map puts them, and that there are no other points.
-// Returns the points by row number (from 1) with their panels.
-struct Placed {
-    const XmlNode* panel;
-    const XmlNode* point;
-};
-std::map<int, Placed> expectRowsArePoints(const TextTable& t, const XmlNode& svg,
-                                          const std::string& xColumn, const std::string& yColumn);
+// Checks that each row whose x and y hold values (DC writes 9999 for none) is
+// exactly one point, found by data-row, with those values where its panel's
+// map puts it, and that there are no other points. Returns them by row (from 1).
+std::map<int, const SvgElement*> expectRowsArePoints(const TextTable& t, const Svg& svg,
+                                                     const std::string& xColumn,
+                                                     const std::string& yColumn);
 // The panel's line y = x runs corner to corner of the range both axes share.
-void expectIdentity(const XmlNode& panel);
-
-// A scratch directory, removed when the test ends.
-struct ScratchDir {
-    std::string path;
-    explicit ScratchDir(const std::string& name);
-    ~ScratchDir();
-};
+void expectIdentity(const Svg& svg, int panel);
